@@ -1,0 +1,41 @@
+#include "catalog.h"
+
+#include <stdexcept>
+
+#include "frame/fill.h"
+#include "qxpixlib.h"
+
+namespace qx::harness {
+
+const std::vector<LineKernel>& line_kernels() {
+  static const std::vector<LineKernel> kernels = {
+      line_kernel("fill", fill_forms, qx_fill),
+  };
+  return kernels;
+}
+
+const LineKernel& line_kernel_named(const std::string& name) {
+  for (const LineKernel& k : line_kernels())
+    if (k.name == name) return k;
+  throw std::out_of_range("no line kernel " + name);
+}
+
+namespace {
+std::uint8_t random_byte(Rng& rng) {
+  static constexpr std::uint8_t kEdges[] = {0, 1, 254, 255};
+  const std::uint32_t r = rng();
+  return (r & 3u) == 0 ? kEdges[(r >> 2) & 3u] : static_cast<std::uint8_t>(r >> 8);
+}
+}  // namespace
+
+void random_pixels(std::span<std::uint32_t> out, Rng& rng) {
+  for (std::uint32_t& p : out)
+    p = random_byte(rng) | random_byte(rng) << 8 | random_byte(rng) << 16 |
+        static_cast<std::uint32_t>(random_byte(rng)) << 24;
+}
+
+void random_bytes(std::span<std::uint8_t> out, Rng& rng) {
+  for (std::uint8_t& b : out) b = random_byte(rng);
+}
+
+}  // namespace qx::harness

@@ -1,0 +1,175 @@
+/* qxpixlib: fixed-point pixel kernels for hosts that work one scan line at a time.
+ *
+ * Pixels are 32-bit words stored little-endian. Two layouts share the word:
+ *   ARGB: bytes in memory B, G, R, A  (the word 0xAARRGGBB)
+ *   AYUV: bytes in memory U, Y, V, A  (the word 0xAAVVYYUU), BT.601 studio range
+ * Alpha is always byte 3: 0 is transparent, 255 opaque. Kernels that treat bytes 0..2 alike
+ * (blends, fill, interpolation, zoom, scaling) serve both layouts.
+ *
+ * Every buffer belongs to the caller and is only borrowed for the call. Results are exact
+ * integer arithmetic, identical on every processor. Unless a function says otherwise:
+ *   - a line holds `count` packed pixels at any 4-byte alignment;
+ *   - `count` <= 0 writes nothing; exactly `count` pixels of `dst` are written;
+ *   - `dst` may be the very same pointer as any one input line (in-place use), no other overlap;
+ *   - nothing past the last pixel of an input line is read;
+ *   - mask lines hold one byte per pixel at any alignment and must stay readable up to the next
+ *     multiple of 4 pixels (they are read four bytes at a time; the extra bytes never reach dst);
+ *   - `lut` points to 256 bytes, all of which may be read;
+ *   - opacities and weights are in 1/256 units; any value above 256, and so any negative value
+ *     passed as a signed integer, acts as 256.
+ * Every function is re-entrant: calls on disjoint output lines may run on any threads at once. */
+#ifndef QXPIXLIB_H
+#define QXPIXLIB_H
+
+#include <stdint.h>
+
+#if defined(_WIN32) || defined(__CYGWIN__)
+#if defined(QXPIXLIB_BUILDING)
+#define QX_API __declspec(dllexport)
+#else
+#define QX_API __declspec(dllimport)
+#endif
+#elif defined(QXPIXLIB_BUILDING) && (defined(__GNUC__) || defined(__clang__))
+#define QX_API __attribute__((visibility("default")))
+#else
+#define QX_API
+#endif
+
+/* The calling convention of every export: cdecl on 32-bit x86 (caller pops), platform default
+ * elsewhere. */
+#if defined(_M_IX86) || defined(__i386__)
+#if defined(_MSC_VER) || defined(__MINGW32__)
+#define QX_CALL __cdecl
+#else
+#define QX_CALL __attribute__((__cdecl__))
+#endif
+#else
+#define QX_CALL
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Library frame ---------------------------------------------------------------------- */
+
+/* Initialisation entry. Does nothing and touches no memory: the library is ready as soon as it is
+ * loaded. Safe to call at any time, any number of times. */
+QX_API void QX_CALL qx_pixinit(void);
+
+/* The same entry as qx_pixinit under a second name (one address, two names). It converts nothing
+ * and touches no memory, whatever arguments a caller passes. */
+QX_API void QX_CALL qx_r210argb(void);
+
+/* Writes `value` unchanged into each of the `count` pixels of `dst`. */
+QX_API void QX_CALL qx_fill(uint32_t* dst, uint32_t value, int32_t count);
+
+/* ---- Colour-format conversion ----------------------------------------------------------- */
+
+/* ARGB to AYUV (BT.601 studio range, 13-bit fixed point, truncating); alpha copied. */
+QX_API void QX_CALL qx_argb2ayuv(uint32_t* dst, const uint32_t* src, int32_t count);
+
+/* AYUV (BT.601 studio range) to ARGB, 13-bit fixed point, truncating; alpha copied. */
+QX_API void QX_CALL qx_ayuv2argb(uint32_t* dst, const uint32_t* src, int32_t count);
+
+/* Unpacks one line of v210 (six pixels per 16-byte block) into three contiguous planes of 16-bit
+ * samples holding the 10-bit values: `count` Y samples at dst, `count` / 2 Cb samples at
+ * dst + count, `count` / 2 Cr samples at dst + 3 * count / 2 (4 * count bytes in all). `count`
+ * must be even; an odd or non-positive count writes nothing. Reads only the v210 blocks that hold
+ * pixels of the line. Any 2-byte aligned dst and 4-byte aligned src are accepted. */
+QX_API void QX_CALL qx_v210yuv422p10(uint16_t* dst, const uint32_t* src, int32_t count);
+
+/* ---- Alpha blend: premultiplied over, all scales 1/256 ---------------------------------- *
+ * With w the foreground weight (fg.a for qx_blend) and v = 256 - w, per colour channel
+ *   dst.c = fg.c * w / 256 + bg.c * bg.a * v / 65536,   dst.a = 255 * w / 256 + 255 * bg.a * v /
+ * 65536 each quotient truncated on its own; no output byte is ever 255. The variants form w as _t:
+ * fg.a * T / 256;  _m: fg.a * m / 256;  _mt: fg.a * (m * T / 256) / 256; _mlt: fg.a * (lut[m] * T /
+ * 256) / 256,   T = min(opacity, 256) unsigned, m = mask[i]. When count % 4 == 2 the two last
+ * pixels are both blended with the last fg pixel, and the fg pixel before it is not read. The same
+ * holds for the qx_lblend and qx_sblend families. */
+QX_API void QX_CALL qx_blend(uint32_t* dst, const uint32_t* bg, const uint32_t* fg, int32_t count);
+QX_API void QX_CALL qx_blend_t(uint32_t* dst, const uint32_t* bg, const uint32_t* fg, int32_t count,
+                               uint32_t opacity);
+QX_API void QX_CALL qx_blend_m(uint32_t* dst, const uint32_t* bg, const uint32_t* fg, int32_t count,
+                               const uint8_t* mask);
+QX_API void QX_CALL qx_blend_mt(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                int32_t count, const uint8_t* mask, uint32_t opacity);
+QX_API void QX_CALL qx_blend_mlt(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                 int32_t count, const uint8_t* mask, const uint8_t* lut,
+                                 uint32_t opacity);
+
+/* ---- Linear blend: colour mixed by the foreground weight, additive alpha ------------------ *
+ *   dst.c = bg.c * (256 - w) / 256 + fg.c * w / 256,   dst.a = min(255, bg.a + fg.a * w / 256)
+ * with w formed as in the qx_blend family. */
+QX_API void QX_CALL qx_lblend(uint32_t* dst, const uint32_t* bg, const uint32_t* fg, int32_t count);
+QX_API void QX_CALL qx_lblend_t(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                int32_t count, uint32_t opacity);
+QX_API void QX_CALL qx_lblend_m(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                int32_t count, const uint8_t* mask);
+QX_API void QX_CALL qx_lblend_mt(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                 int32_t count, const uint8_t* mask, uint32_t opacity);
+QX_API void QX_CALL qx_lblend_mlt(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                  int32_t count, const uint8_t* mask, const uint8_t* lut,
+                                  uint32_t opacity);
+
+/* ---- Straight-alpha compositing with a true resulting alpha ------------------------------ *
+ * With F the effective foreground alpha (formed as w in the qx_blend family):
+ *   A = F + bg.a * (255 - F) / 256,  K = (65535 / A) * F / 256 (0 when A = 0),
+ *   dst.c = bg.c + floor(K * (fg.c - bg.c) / 256),  dst.a = A. */
+QX_API void QX_CALL qx_sblend(uint32_t* dst, const uint32_t* bg, const uint32_t* fg, int32_t count);
+QX_API void QX_CALL qx_sblend_t(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                int32_t count, uint32_t opacity);
+QX_API void QX_CALL qx_sblend_m(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                int32_t count, const uint8_t* mask);
+QX_API void QX_CALL qx_sblend_mt(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                 int32_t count, const uint8_t* mask, uint32_t opacity);
+QX_API void QX_CALL qx_sblend_mlt(uint32_t* dst, const uint32_t* bg, const uint32_t* fg,
+                                  int32_t count, const uint8_t* mask, const uint8_t* lut,
+                                  uint32_t opacity);
+
+/* ---- Alpha and mask operations ---------------------------------------------------------- */
+
+/* Each output pixel holds the input pixel's alpha in all four bytes (a grey picture of alpha). */
+QX_API void QX_CALL qx_alpha(uint32_t* dst, const uint32_t* src, int32_t count);
+
+/* Copies the colour bytes and scales alpha by the mask: dst.a = src.a * mask[i] / 256. */
+QX_API void QX_CALL qx_mask(uint32_t* dst, const uint32_t* src, const uint8_t* mask, int32_t count);
+
+/* ---- Interpolation, zoom and scaling ---------------------------------------------------- */
+
+/* Mixes two lines, every byte alike: dst = src1 * w / 256 + src2 * (256 - w) / 256, each quotient
+ * truncated, w = min(weight, 256) unsigned. */
+QX_API void QX_CALL qx_lin_pix(uint32_t* dst, const uint32_t* src1, const uint32_t* src2,
+                               uint32_t weight, int32_t count);
+
+/* Doubles a line: 8 * (count / 4) output pixels from the first 4 * (count / 4) source pixels,
+ * out[2i] = (p[i-1] + p[i]) / 2 per byte (p[-1] = p[0]), out[2i+1] = p[i]. dst and src 16-byte
+ * aligned; src readable for at least 16 bytes. */
+QX_API void QX_CALL qx_zoom_in2x1d(uint32_t* dst, const uint32_t* src, int32_t count);
+
+/* Doubles a picture of `height` rows of `width` pixels (rows `src_stride` pixels apart) into a
+ * packed block of 2 * height rows of 2 * width pixels: even rows doubled as by qx_zoom_in2x1d, odd
+ * rows the truncated average of their neighbours, the last row a copy of the one before. dst, src
+ * and every row 16-byte aligned. */
+QX_API void QX_CALL qx_zoom_in2x2d(uint32_t* dst, const uint32_t* src, int32_t width,
+                                   int32_t height, int32_t src_stride);
+
+/* Resamples a line of src_count pixels to 4 * (dst_count / 4) pixels by two-tap linear
+ * interpolation in 8-bit fixed point. dst 16-byte aligned. */
+QX_API void QX_CALL qx_scale_1d(uint32_t* dst, int32_t dst_count, const uint32_t* src,
+                                int32_t src_count);
+
+/* qx_scale_1d applied to each of `height` rows (strides in pixels). */
+QX_API void QX_CALL qx_scale_horz(uint32_t* dst, int32_t dst_width, int32_t dst_stride,
+                                  const uint32_t* src, int32_t src_width, int32_t height,
+                                  int32_t src_stride);
+
+/* Shrinks a packed picture by whole factors, taking the top-left pixel of each block. */
+QX_API void QX_CALL qx_zoom_outNx(uint32_t* dst, int32_t dst_width, int32_t dst_height,
+                                  const uint32_t* src, int32_t src_width, int32_t src_height);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* QXPIXLIB_H */

@@ -1,0 +1,47 @@
+// Instruction-set tiers and the per-kernel list of forms the library chooses from.
+#pragma once
+
+#include <cstdint>
+
+#if defined(__x86_64__) || defined(_M_X64) || defined(__i386__) || defined(_M_IX86)
+#define QX_X86 1
+#else
+#define QX_X86 0
+#endif
+
+namespace qx {
+
+// Tiers in ascending order: a processor that has a tier has every tier before it.
+enum class Isa : std::uint8_t { kScalar, kSse2, kSsse3, kAvx2, kAvx512 };
+
+// True when this processor (and its operating system) can run code built for `isa`.
+// Evaluated once per process; kScalar is always supported.
+bool cpu_supports(Isa isa) noexcept;
+
+const char* isa_name(Isa isa) noexcept;
+
+// One implementation of a kernel. Every form of a kernel computes the same bytes.
+template <class Fn>
+struct Form {
+  Isa isa;  // what the processor must support to run it; isa_name() names the form
+  Fn* fn;
+};
+
+// The most capable form this processor runs. Forms are listed from the scalar form up, so the
+// last supported entry wins; the scalar form at index 0 is the floor on every processor.
+template <class Fn, std::size_t N>
+Fn* best_form(const Form<Fn> (&forms)[N]) noexcept {
+  Fn* fn = forms[0].fn;
+  for (const Form<Fn>& f : forms)
+    if (cpu_supports(f.isa)) fn = f.fn;
+  return fn;
+}
+
+// The form an export calls: chosen on first use, then fixed for the life of the process.
+template <const auto& kForms>
+auto chosen() noexcept {
+  static const auto fn = best_form(kForms);
+  return fn;
+}
+
+}  // namespace qx

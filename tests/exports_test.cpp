@@ -1,0 +1,50 @@
+// The shared library's dynamic symbol table: the qx_ interface implemented so far and nothing else.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <set>
+#include <sstream>
+#include <string>
+
+extern "C" int qx_c_api_smoke(void);
+
+namespace {
+
+const std::set<std::string> kExported = {
+    "qx_pixinit",
+    "qx_r210argb",
+    "qx_fill",
+};
+
+std::set<std::string> defined_dynamic_symbols(const std::string& path) {
+  std::set<std::string> names;
+  FILE* p = popen(("nm -D --defined-only '" + path + "'").c_str(), "r");
+  if (!p) return names;
+  char line[512];
+  while (fgets(line, sizeof line, p)) {
+    std::istringstream in(line);
+    std::string addr, type, name;
+    if (in >> addr >> type >> name) names.insert(name);
+  }
+  pclose(p);
+  return names;
+}
+
+TEST(SharedLibrary, ExportsExactlyTheInterface) {
+  EXPECT_EQ(defined_dynamic_symbols(QX_SHARED_LIBRARY), kExported);
+}
+
+TEST(SharedLibrary, PixinitAndR210argbAreOneEntry) {
+  void* lib = dlopen(QX_SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(lib, nullptr) << dlerror();
+  void* a = dlsym(lib, "qx_pixinit");
+  void* b = dlsym(lib, "qx_r210argb");
+  EXPECT_NE(a, nullptr);
+  EXPECT_EQ(a, b);
+  dlclose(lib);
+}
+
+TEST(SharedLibrary, HeaderWorksFromC) { EXPECT_EQ(qx_c_api_smoke(), 0); }
+
+}  // namespace
