@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "blend/blend.h"
 #include "frame/fill.h"
 #include "qxpixlib.h"
 
@@ -10,6 +11,11 @@ namespace qx::harness {
 const std::vector<LineKernel>& line_kernels() {
   static const std::vector<LineKernel> kernels = {
       line_kernel("fill", fill_forms, qx_fill),
+      line_kernel("blend", blend_forms, qx_blend),
+      line_kernel("blend_t", blend_t_forms, qx_blend_t),
+      line_kernel("blend_m", blend_m_forms, qx_blend_m),
+      line_kernel("blend_mt", blend_mt_forms, qx_blend_mt),
+      line_kernel("blend_mlt", blend_mlt_forms, qx_blend_mlt),
   };
   return kernels;
 }

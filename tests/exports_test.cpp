@@ -15,6 +15,11 @@ const std::set<std::string> kExported = {
     "qx_pixinit",
     "qx_r210argb",
     "qx_fill",
+    "qx_blend",
+    "qx_blend_t",
+    "qx_blend_m",
+    "qx_blend_mt",
+    "qx_blend_mlt",
 };
 
 std::set<std::string> defined_dynamic_symbols(const std::string& path) {
