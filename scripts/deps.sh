@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs the build and test tools when they are missing (Debian packages only).
+# Extra package names may be given as arguments.
 set -euo pipefail
 need=()
-for pkg in cmake g++ make binutils libgtest-dev libbenchmark-dev; do
+for pkg in cmake g++ make binutils libgtest-dev libbenchmark-dev "$@"; do
   dpkg -s "$pkg" >/dev/null 2>&1 || need+=("$pkg")
 done
 if [ ${#need[@]} -gt 0 ]; then
