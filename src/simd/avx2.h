@@ -1,0 +1,75 @@
+// The AVX2 vector policy: eight pixels per 256-bit vector, two 128-bit lanes of four.
+//
+// Same vocabulary and the same in-lane meaning as the SSE2 policy (simd/sse2.h): every operation
+// acts on each 128-bit lane as its SSE2 counterpart acts on the whole vector, so widen_lo / pack
+// pair up within each lane and a kernel written over V gives the same bytes at either width.
+// Include only from translation units built with -mavx2; everything lives in qx::avx2.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+#include <cstring>
+
+namespace qx::avx2 {
+
+struct V {
+  using Px = __m256i;
+  static constexpr std::int32_t kPixels = 8;
+
+  static Px load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
+  static void store(void* p, Px v) { _mm256_storeu_si256(static_cast<__m256i*>(p), v); }
+
+  static Px zero() { return _mm256_setzero_si256(); }
+  static Px set_px(std::uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }
+  static Px set16(std::uint32_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
+  static Px set16x4(std::uint16_t c0, std::uint16_t c1, std::uint16_t c2, std::uint16_t c3) {
+    const std::uint64_t q = c0 | std::uint64_t{c1} << 16 | std::uint64_t{c2} << 32 |
+                            std::uint64_t{c3} << 48;
+    return _mm256_set1_epi64x(static_cast<long long>(q));
+  }
+
+  static Px widen_lo(Px x) { return _mm256_unpacklo_epi8(_mm256_setzero_si256(), x); }
+  static Px widen_hi(Px x) { return _mm256_unpackhi_epi8(_mm256_setzero_si256(), x); }
+  static Px zext_lo(Px x) { return _mm256_unpacklo_epi8(x, _mm256_setzero_si256()); }
+  static Px zext_hi(Px x) { return _mm256_unpackhi_epi8(x, _mm256_setzero_si256()); }
+  static Px pack(Px lo, Px hi) { return _mm256_packus_epi16(lo, hi); }
+  static Px splat_alpha(Px x) {
+    return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(x, 0xFF), 0xFF);
+  }
+  // Byte k of m (k < kPixels) into all four bytes of pixel k.
+  static Px splat_bytes(const std::uint8_t* m) {
+    std::uint64_t q;
+    std::memcpy(&q, m, sizeof q);
+    const Px b = _mm256_set1_epi64x(static_cast<long long>(q));  // m0..m7 in every quadword
+    const Px pattern = _mm256_setr_epi8(0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3,  //
+                                        4, 4, 4, 4, 5, 5, 5, 5, 6, 6, 6, 6, 7, 7, 7, 7);
+    return _mm256_shuffle_epi8(b, pattern);
+  }
+
+  static Px add16(Px a, Px b) { return _mm256_add_epi16(a, b); }
+  static Px sub16(Px a, Px b) { return _mm256_sub_epi16(a, b); }
+  static Px adds_u16(Px a, Px b) { return _mm256_adds_epu16(a, b); }
+  static Px subs_u16(Px a, Px b) { return _mm256_subs_epu16(a, b); }
+  static Px mullo16(Px a, Px b) { return _mm256_mullo_epi16(a, b); }
+  static Px mulhi_u16(Px a, Px b) { return _mm256_mulhi_epu16(a, b); }
+  static Px mulhi_s16(Px a, Px b) { return _mm256_mulhi_epi16(a, b); }
+  static Px madd16(Px a, Px b) { return _mm256_madd_epi16(a, b); }
+  static Px srl16(Px a, int n) { return _mm256_srli_epi16(a, n); }
+  static Px sll16(Px a, int n) { return _mm256_slli_epi16(a, n); }
+  static Px sra16(Px a, int n) { return _mm256_srai_epi16(a, n); }
+  static Px srl32(Px a, int n) { return _mm256_srli_epi32(a, n); }
+  static Px sll32(Px a, int n) { return _mm256_slli_epi32(a, n); }
+  static Px sra32(Px a, int n) { return _mm256_srai_epi32(a, n); }
+  static Px min_s16(Px a, Px b) { return _mm256_min_epi16(a, b); }
+  static Px max_s16(Px a, Px b) { return _mm256_max_epi16(a, b); }
+  static Px cmpeq16(Px a, Px b) { return _mm256_cmpeq_epi16(a, b); }
+  static Px cmpeq32(Px a, Px b) { return _mm256_cmpeq_epi32(a, b); }
+
+  static Px and_(Px a, Px b) { return _mm256_and_si256(a, b); }
+  static Px or_(Px a, Px b) { return _mm256_or_si256(a, b); }
+  static Px xor_(Px a, Px b) { return _mm256_xor_si256(a, b); }
+  static Px andnot(Px a, Px b) { return _mm256_andnot_si256(a, b); }
+};
+
+}  // namespace qx::avx2
