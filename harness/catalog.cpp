@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "frame/fill.h"
+#include "lblend/lblend.h"
 #include "qxpixlib.h"
 
 namespace qx::harness {
@@ -10,6 +11,11 @@ namespace qx::harness {
 const std::vector<LineKernel>& line_kernels() {
   static const std::vector<LineKernel> kernels = {
       line_kernel("fill", fill_forms, qx_fill),
+      line_kernel("lblend", lblend_forms, qx_lblend),
+      line_kernel("lblend_t", lblend_t_forms, qx_lblend_t),
+      line_kernel("lblend_m", lblend_m_forms, qx_lblend_m),
+      line_kernel("lblend_mt", lblend_mt_forms, qx_lblend_mt),
+      line_kernel("lblend_mlt", lblend_mlt_forms, qx_lblend_mlt),
   };
   return kernels;
 }

@@ -12,9 +12,8 @@ extern "C" int qx_c_api_smoke(void);
 namespace {
 
 const std::set<std::string> kExported = {
-    "qx_pixinit",
-    "qx_r210argb",
-    "qx_fill",
+    "qx_pixinit",  "qx_r210argb", "qx_fill",      "qx_lblend",
+    "qx_lblend_t", "qx_lblend_m", "qx_lblend_mt", "qx_lblend_mlt",
 };
 
 std::set<std::string> defined_dynamic_symbols(const std::string& path) {
