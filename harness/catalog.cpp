@@ -4,6 +4,7 @@
 
 #include "blend/blend.h"
 #include "frame/fill.h"
+#include "lblend/lblend.h"
 #include "qxpixlib.h"
 
 namespace qx::harness {
@@ -16,6 +17,11 @@ const std::vector<LineKernel>& line_kernels() {
       line_kernel("blend_m", blend_m_forms, qx_blend_m),
       line_kernel("blend_mt", blend_mt_forms, qx_blend_mt),
       line_kernel("blend_mlt", blend_mlt_forms, qx_blend_mlt),
+      line_kernel("lblend", lblend_forms, qx_lblend),
+      line_kernel("lblend_t", lblend_t_forms, qx_lblend_t),
+      line_kernel("lblend_m", lblend_m_forms, qx_lblend_m),
+      line_kernel("lblend_mt", lblend_mt_forms, qx_lblend_mt),
+      line_kernel("lblend_mlt", lblend_mlt_forms, qx_lblend_mlt),
   };
   return kernels;
 }

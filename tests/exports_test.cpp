@@ -11,16 +11,23 @@ extern "C" int qx_c_api_smoke(void);
 
 namespace {
 
+// clang-format off
 const std::set<std::string> kExported = {
+    "qx_blend",
+    "qx_blend_m",
+    "qx_blend_mlt",
+    "qx_blend_mt",
+    "qx_blend_t",
+    "qx_fill",
+    "qx_lblend",
+    "qx_lblend_m",
+    "qx_lblend_mlt",
+    "qx_lblend_mt",
+    "qx_lblend_t",
     "qx_pixinit",
     "qx_r210argb",
-    "qx_fill",
-    "qx_blend",
-    "qx_blend_t",
-    "qx_blend_m",
-    "qx_blend_mt",
-    "qx_blend_mlt",
 };
+// clang-format on
 
 std::set<std::string> defined_dynamic_symbols(const std::string& path) {
   std::set<std::string> names;
