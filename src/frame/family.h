@@ -103,22 +103,14 @@ using FamilyMltFn = void(std::uint32_t* dst, const std::uint32_t* bg, const std:
     LINE<::qx::Weight::kLutOpacity>(d, b, f, n, m, l, o);                                          \
   }
 
-// Declares the forms lists base_forms, base_t_forms, ... in namespace qx, given that
-// qx::scalar and (on x86) qx::sse2 declare the family with QX_DECLARE_FAMILY.
-#if QX_X86
-#define QX_FAMILY_FORM_LIST(Fn, name)                                       \
-  inline constexpr Form<Fn> name##_forms[] = {{Isa::kScalar, scalar::name}, \
-                                              {Isa::kSse2, sse2::name}};
-#else
-#define QX_FAMILY_FORM_LIST(Fn, name) \
-  inline constexpr Form<Fn> name##_forms[] = {{Isa::kScalar, scalar::name}};
-#endif
-#define QX_FAMILY_FORMS(base)                \
-  QX_FAMILY_FORM_LIST(FamilyFn, base)        \
-  QX_FAMILY_FORM_LIST(FamilyTFn, base##_t)   \
-  QX_FAMILY_FORM_LIST(FamilyMFn, base##_m)   \
-  QX_FAMILY_FORM_LIST(FamilyMtFn, base##_mt) \
-  QX_FAMILY_FORM_LIST(FamilyMltFn, base##_mlt)
+// Inside namespace qx: declares the five functions of a family in every form and lists them as
+// base_forms, base_t_forms, base_m_forms, base_mt_forms and base_mlt_forms.
+#define QX_FAMILY_FORMS(base)            \
+  QX_KERNEL_FORMS(FamilyFn, base)        \
+  QX_KERNEL_FORMS(FamilyTFn, base##_t)   \
+  QX_KERNEL_FORMS(FamilyMFn, base##_m)   \
+  QX_KERNEL_FORMS(FamilyMtFn, base##_mt) \
+  QX_KERNEL_FORMS(FamilyMltFn, base##_mlt)
 
 // Defines the five exports qx_base, qx_base_t, ... (inside extern "C").
 #define QX_EXPORT_FAMILY(base)                                                                \

@@ -54,3 +54,16 @@ inline void vector_family_line(std::uint32_t* dst, const std::uint32_t* bg, cons
 }
 
 }  // namespace qx
+
+// Inside the vector namespace of a per-instruction-set unit (where V is that set's policy):
+// defines the five functions of family `base` from its arithmetic Arith.
+#define QX_DEFINE_VECTOR_FAMILY(base, Arith)                                         \
+  namespace {                                                                        \
+  template <::qx::Weight kW>                                                         \
+  void base##_line(std::uint32_t* d, const std::uint32_t* b, const std::uint32_t* f, \
+                   std::int32_t n, const std::uint8_t* m, const std::uint8_t* l,     \
+                   std::uint32_t o) {                                                \
+    ::qx::vector_family_line<V, kW, Arith>(d, b, f, n, m, l, o);                     \
+  }                                                                                  \
+  }                                                                                  \
+  QX_DEFINE_FAMILY(base, base##_line)

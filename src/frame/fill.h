@@ -9,20 +9,6 @@ namespace qx {
 
 using FillFn = void(std::uint32_t* dst, std::uint32_t value, std::int32_t count);
 
-namespace scalar {
-FillFn fill;
-}
-#if QX_X86
-namespace sse2 {
-FillFn fill;
-}
-#endif
-
-inline constexpr Form<FillFn> fill_forms[] = {
-    {Isa::kScalar, scalar::fill},
-#if QX_X86
-    {Isa::kSse2, sse2::fill},
-#endif
-};
+QX_KERNEL_FORMS(FillFn, fill)
 
 }  // namespace qx

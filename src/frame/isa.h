@@ -45,3 +45,29 @@ auto chosen() noexcept {
 }
 
 }  // namespace qx
+
+// ---- Declaring and listing forms ------------------------------------------------------------
+// Kernels written once over a vector policy (src/simd/) are built once per vector instruction set
+// into namespace qx::<set> (see src/CMakeLists.txt). QX_FOR_EACH_VECTOR_ISA(M, args...) expands
+// M(namespace, Isa enumerator, args...) for each such set, in ascending order.
+#if QX_X86
+#define QX_FOR_EACH_VECTOR_ISA(M, ...) \
+  M(sse2, kSse2, __VA_ARGS__) M(avx2, kAvx2, __VA_ARGS__) M(avx512, kAvx512, __VA_ARGS__)
+#else
+#define QX_FOR_EACH_VECTOR_ISA(M, ...)
+#endif
+#define QX_DECLARE_FORM_(ns, isa, Fn, name) \
+  namespace ns {                            \
+  Fn name;                                  \
+  }
+#define QX_LIST_FORM_(ns, isa, Fn, name) {::qx::Isa::isa, ns::name},
+
+// Inside namespace qx: declares scalar::name and one vector form per instruction set, all of
+// function type Fn, and lists them as name_forms for qx::chosen.
+#define QX_KERNEL_FORMS(Fn, name)                    \
+  namespace scalar {                                 \
+  Fn name;                                           \
+  }                                                  \
+  QX_FOR_EACH_VECTOR_ISA(QX_DECLARE_FORM_, Fn, name) \
+  inline constexpr ::qx::Form<Fn> name##_forms[] = { \
+      {::qx::Isa::kScalar, scalar::name}, QX_FOR_EACH_VECTOR_ISA(QX_LIST_FORM_, Fn, name)};

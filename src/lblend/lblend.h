@@ -10,15 +10,6 @@
 
 namespace qx {
 
-namespace scalar {
-QX_DECLARE_FAMILY(lblend)
-}
-#if QX_X86
-namespace sse2 {
-QX_DECLARE_FAMILY(lblend)
-}
-#endif
-
 QX_FAMILY_FORMS(lblend)
 
 }  // namespace qx

@@ -24,8 +24,8 @@ struct V {
   static Px set_px(std::uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }
   static Px set16(std::uint32_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
   static Px set16x4(std::uint16_t c0, std::uint16_t c1, std::uint16_t c2, std::uint16_t c3) {
-    const std::uint64_t q = c0 | std::uint64_t{c1} << 16 | std::uint64_t{c2} << 32 |
-                            std::uint64_t{c3} << 48;
+    const std::uint64_t q =
+        c0 | std::uint64_t{c1} << 16 | std::uint64_t{c2} << 32 | std::uint64_t{c3} << 48;
     return _mm256_set1_epi64x(static_cast<long long>(q));
   }
 

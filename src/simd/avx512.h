@@ -23,8 +23,8 @@ struct V {
   static Px set_px(std::uint32_t v) { return _mm512_set1_epi32(static_cast<int>(v)); }
   static Px set16(std::uint32_t v) { return _mm512_set1_epi16(static_cast<short>(v)); }
   static Px set16x4(std::uint16_t c0, std::uint16_t c1, std::uint16_t c2, std::uint16_t c3) {
-    const std::uint64_t q = c0 | std::uint64_t{c1} << 16 | std::uint64_t{c2} << 32 |
-                            std::uint64_t{c3} << 48;
+    const std::uint64_t q =
+        c0 | std::uint64_t{c1} << 16 | std::uint64_t{c2} << 32 | std::uint64_t{c3} << 48;
     return _mm512_set1_epi64(static_cast<long long>(q));
   }
 
@@ -38,7 +38,9 @@ struct V {
   }
   // Byte k of m (k < kPixels) into all four bytes of pixel k.
   static Px splat_bytes(const std::uint8_t* m) {
-    const Px b = _mm512_broadcast_i32x4(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)));
+    // (the zero-masked broadcast: the plain one reads an undefined register in GCC's headers)
+    const Px b = _mm512_maskz_broadcast_i32x4(static_cast<__mmask16>(0xFFFF),
+                                              _mm_loadu_si128(reinterpret_cast<const __m128i*>(m)));
     const Px pattern = _mm512_set_epi32(0x0F0F0F0F, 0x0E0E0E0E, 0x0D0D0D0D, 0x0C0C0C0C,  //
                                         0x0B0B0B0B, 0x0A0A0A0A, 0x09090909, 0x08080808,  //
                                         0x07070707, 0x06060606, 0x05050505, 0x04040404,  //
