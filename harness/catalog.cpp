@@ -4,12 +4,18 @@
 
 #include "frame/fill.h"
 #include "qxpixlib.h"
+#include "sblend/sblend.h"
 
 namespace qx::harness {
 
 const std::vector<LineKernel>& line_kernels() {
   static const std::vector<LineKernel> kernels = {
       line_kernel("fill", fill_forms, qx_fill),
+      line_kernel("sblend", sblend_forms, qx_sblend),
+      line_kernel("sblend_t", sblend_t_forms, qx_sblend_t),
+      line_kernel("sblend_m", sblend_m_forms, qx_sblend_m),
+      line_kernel("sblend_mt", sblend_mt_forms, qx_sblend_mt),
+      line_kernel("sblend_mlt", sblend_mlt_forms, qx_sblend_mlt),
   };
   return kernels;
 }

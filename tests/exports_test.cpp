@@ -12,9 +12,8 @@ extern "C" int qx_c_api_smoke(void);
 namespace {
 
 const std::set<std::string> kExported = {
-    "qx_pixinit",
-    "qx_r210argb",
-    "qx_fill",
+    "qx_pixinit",  "qx_r210argb", "qx_fill",      "qx_sblend",
+    "qx_sblend_t", "qx_sblend_m", "qx_sblend_mt", "qx_sblend_mlt",
 };
 
 std::set<std::string> defined_dynamic_symbols(const std::string& path) {
