@@ -11,10 +11,19 @@ extern "C" int qx_c_api_smoke(void);
 
 namespace {
 
+// One name per line, so that each subsystem adds its names without touching the others'.
+// clang-format off
 const std::set<std::string> kExported = {
-    "qx_pixinit",  "qx_r210argb", "qx_fill",      "qx_sblend",
-    "qx_sblend_t", "qx_sblend_m", "qx_sblend_mt", "qx_sblend_mlt",
+    "qx_pixinit",
+    "qx_r210argb",
+    "qx_fill",
+    "qx_sblend",
+    "qx_sblend_t",
+    "qx_sblend_m",
+    "qx_sblend_mt",
+    "qx_sblend_mlt",
 };
+// clang-format on
 
 std::set<std::string> defined_dynamic_symbols(const std::string& path) {
   std::set<std::string> names;
