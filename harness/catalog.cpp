@@ -6,6 +6,7 @@
 #include "frame/fill.h"
 #include "lblend/lblend.h"
 #include "qxpixlib.h"
+#include "sblend/sblend.h"
 
 namespace qx::harness {
 
@@ -22,6 +23,11 @@ const std::vector<LineKernel>& line_kernels() {
       line_kernel("lblend_m", lblend_m_forms, qx_lblend_m),
       line_kernel("lblend_mt", lblend_mt_forms, qx_lblend_mt),
       line_kernel("lblend_mlt", lblend_mlt_forms, qx_lblend_mlt),
+      line_kernel("sblend", sblend_forms, qx_sblend),
+      line_kernel("sblend_t", sblend_t_forms, qx_sblend_t),
+      line_kernel("sblend_m", sblend_m_forms, qx_sblend_m),
+      line_kernel("sblend_mt", sblend_mt_forms, qx_sblend_mt),
+      line_kernel("sblend_mlt", sblend_mlt_forms, qx_sblend_mlt),
   };
   return kernels;
 }

@@ -11,6 +11,7 @@ extern "C" int qx_c_api_smoke(void);
 
 namespace {
 
+// One name per line, so that each subsystem adds its names without touching the others'.
 // clang-format off
 const std::set<std::string> kExported = {
     "qx_blend",
@@ -26,6 +27,11 @@ const std::set<std::string> kExported = {
     "qx_lblend_t",
     "qx_pixinit",
     "qx_r210argb",
+    "qx_sblend",
+    "qx_sblend_m",
+    "qx_sblend_mlt",
+    "qx_sblend_mt",
+    "qx_sblend_t",
 };
 // clang-format on
 

@@ -46,6 +46,12 @@ struct V {
                                         4, 4, 4, 4, 5, 5, 5, 5, 6, 6, 6, 6, 7, 7, 7, 7);
     return _mm256_shuffle_epi8(b, pattern);
   }
+  // Per-pixel table look-up on widened lanes (see the SSE2 policy): one gathered word per 32-bit
+  // lane; both lanes of a pixel fetch the same entry.
+  static Px lookup_px(Px x, const std::uint32_t* pairs) {
+    const Px index = _mm256_and_si256(x, _mm256_set1_epi32(0xFF));
+    return _mm256_i32gather_epi32(reinterpret_cast<const int*>(pairs), index, 4);
+  }
 
   static Px add16(Px a, Px b) { return _mm256_add_epi16(a, b); }
   static Px sub16(Px a, Px b) { return _mm256_sub_epi16(a, b); }

@@ -47,6 +47,13 @@ struct V {
                                         0x03030303, 0x02020202, 0x01010101, 0x00000000);
     return _mm512_shuffle_epi8(b, pattern);
   }
+  // Per-pixel table look-up on widened lanes (see the SSE2 policy): one gathered word per 32-bit
+  // lane; both lanes of a pixel fetch the same entry.
+  static Px lookup_px(Px x, const std::uint32_t* pairs) {
+    const Px index = _mm512_and_si512(x, _mm512_set1_epi32(0xFF));
+    return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), static_cast<__mmask16>(0xFFFF),
+                                       index, pairs, 4);
+  }
 
   static Px add16(Px a, Px b) { return _mm512_add_epi16(a, b); }
   static Px sub16(Px a, Px b) { return _mm512_sub_epi16(a, b); }
