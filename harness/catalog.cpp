@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "convert/convert.h"
 #include "frame/fill.h"
 #include "qxpixlib.h"
 
@@ -10,6 +11,8 @@ namespace qx::harness {
 const std::vector<LineKernel>& line_kernels() {
   static const std::vector<LineKernel> kernels = {
       line_kernel("fill", fill_forms, qx_fill),
+      line_kernel("argb2ayuv", argb2ayuv_forms, qx_argb2ayuv),
+      line_kernel("ayuv2argb", ayuv2argb_forms, qx_ayuv2argb),
   };
   return kernels;
 }
