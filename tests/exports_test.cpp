@@ -12,7 +12,12 @@ extern "C" int qx_c_api_smoke(void);
 namespace {
 
 const std::set<std::string> kExported = {
-    "qx_pixinit", "qx_r210argb", "qx_fill", "qx_argb2ayuv", "qx_ayuv2argb", "qx_v210yuv422p10",
+    "qx_pixinit",
+    "qx_r210argb",
+    "qx_fill",
+    "qx_argb2ayuv",
+    "qx_ayuv2argb",
+    "qx_v210yuv422p10",
 };
 
 std::set<std::string> defined_dynamic_symbols(const std::string& path) {
