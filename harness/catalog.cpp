@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "blend/blend.h"
+#include "convert/convert.h"
 #include "frame/fill.h"
 #include "lblend/lblend.h"
 #include "qxpixlib.h"
@@ -28,6 +29,8 @@ const std::vector<LineKernel>& line_kernels() {
       line_kernel("sblend_m", sblend_m_forms, qx_sblend_m),
       line_kernel("sblend_mt", sblend_mt_forms, qx_sblend_mt),
       line_kernel("sblend_mlt", sblend_mlt_forms, qx_sblend_mlt),
+      line_kernel("argb2ayuv", argb2ayuv_forms, qx_argb2ayuv),
+      line_kernel("ayuv2argb", ayuv2argb_forms, qx_ayuv2argb),
   };
   return kernels;
 }

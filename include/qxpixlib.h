@@ -74,9 +74,11 @@ QX_API void QX_CALL qx_ayuv2argb(uint32_t* dst, const uint32_t* src, int32_t cou
 
 /* Unpacks one line of v210 (six pixels per 16-byte block) into three contiguous planes of 16-bit
  * samples holding the 10-bit values: `count` Y samples at dst, `count` / 2 Cb samples at
- * dst + count, `count` / 2 Cr samples at dst + 3 * count / 2 (4 * count bytes in all). `count`
- * must be even; an odd or non-positive count writes nothing. Reads only the v210 blocks that hold
- * pixels of the line. Any 2-byte aligned dst and 4-byte aligned src are accepted. */
+ * dst + count, `count` / 2 Cr samples at dst + 3 * count / 2 (4 * count bytes in all, nothing
+ * written past them). Bits 30-31 of the v210 words are ignored. `count` must be even; an odd or
+ * non-positive count reads and writes nothing. Any even count works, not only whole 48-pixel
+ * groups: only the (count + 5) / 6 blocks that hold pixels of the line are read. dst needs 2-byte
+ * and src 4-byte alignment, nothing more; the output must not overlap the input. */
 QX_API void QX_CALL qx_v210yuv422p10(uint16_t* dst, const uint32_t* src, int32_t count);
 
 /* ---- Alpha blend: premultiplied over, all scales 1/256 ---------------------------------- *

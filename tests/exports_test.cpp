@@ -14,6 +14,8 @@ namespace {
 // One name per line, so that each subsystem adds its names without touching the others'.
 // clang-format off
 const std::set<std::string> kExported = {
+    "qx_argb2ayuv",
+    "qx_ayuv2argb",
     "qx_blend",
     "qx_blend_m",
     "qx_blend_mlt",
@@ -32,6 +34,7 @@ const std::set<std::string> kExported = {
     "qx_sblend_mlt",
     "qx_sblend_mt",
     "qx_sblend_t",
+    "qx_v210yuv422p10",
 };
 // clang-format on
 

@@ -37,6 +37,11 @@ struct V {
   static Px splat_alpha(Px x) {
     return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(x, 0xFF), 0xFF);
   }
+  // Permutes the four 16-bit lanes of each pixel: lane k takes lane (kImm >> 2k) & 3.
+  template <int kImm>
+  static Px shuffle16x4(Px x) {
+    return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(x, kImm), kImm);
+  }
   // Byte k of m (k < kPixels) into all four bytes of pixel k.
   static Px splat_bytes(const std::uint8_t* m) {
     std::uint64_t q;

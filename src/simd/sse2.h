@@ -52,6 +52,11 @@ struct V {
   static Px pack(Px lo, Px hi) { return _mm_packus_epi16(lo, hi); }
   // Copies each pixel's alpha lane (16-bit lane 3 of its four) into all four of its lanes.
   static Px splat_alpha(Px x) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(x, 0xFF), 0xFF); }
+  // Permutes the four 16-bit lanes of each widened pixel: lane k takes lane (kImm >> 2k) & 3.
+  template <int kImm>
+  static Px shuffle16x4(Px x) {
+    return _mm_shufflehi_epi16(_mm_shufflelo_epi16(x, kImm), kImm);
+  }
   // Byte k of m (k < kPixels) into all four bytes of pixel k.
   static Px splat_bytes(const std::uint8_t* m) {
     const Px b = load32(m);                 // m0 m1 m2 m3 | 0...

@@ -1,0 +1,47 @@
+// Colour-format conversion: ARGB <-> AYUV (BT.601 studio range, 13-bit fixed point, truncating)
+// and v210 unpacking into three 16-bit planes.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/isa.h"
+
+namespace qx {
+
+// dst, src, count: one line of 32-bit pixels to another, alpha copied.
+using ConvertFn = void(std::uint32_t* dst, const std::uint32_t* src, std::int32_t count);
+// dst (Y plane, then Cb, then Cr), src (v210 words), count (pixels).
+using V210Fn = void(std::uint16_t* dst, const std::uint32_t* src, std::int32_t count);
+
+QX_KERNEL_FORMS(ConvertFn, argb2ayuv)
+QX_KERNEL_FORMS(ConvertFn, ayuv2argb)
+
+namespace scalar {
+V210Fn v210yuv422p10;
+}
+#if QX_X86
+namespace sse2 {
+V210Fn v210yuv422p10;
+}
+#endif
+
+inline constexpr Form<V210Fn> v210yuv422p10_forms[] = {
+    {Isa::kScalar, scalar::v210yuv422p10},
+#if QX_X86
+    {Isa::kSse2, sse2::v210yuv422p10},
+#endif
+};
+
+// The conversion constants, shared by every form.
+namespace yuv {
+// ARGB -> AYUV: coefficient of each input channel for the U, Y and V outputs, in 1/8192.
+inline constexpr std::int16_t kUFromR = -1212, kUFromG = -2383, kUFromB = 3596;
+inline constexpr std::int16_t kYFromR = 2105, kYFromG = 4128, kYFromB = 803;
+inline constexpr std::int16_t kVFromR = 3596, kVFromG = -3014, kVFromB = -581;
+inline constexpr std::int16_t kUOffset = 128, kYOffset = 16, kVOffset = 128;
+// AYUV -> ARGB, in 1/8192.
+inline constexpr std::int16_t kBFromU = 16531, kRFromV = 13074, kFromY = 9535;
+inline constexpr std::int16_t kGFromU = -3203, kGFromV = -6660;
+}  // namespace yuv
+
+}  // namespace qx
