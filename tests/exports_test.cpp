@@ -15,6 +15,9 @@ const std::set<std::string> kExported = {
     "qx_pixinit",
     "qx_r210argb",
     "qx_fill",
+    "qx_scale_1d",
+    "qx_scale_horz",
+    "qx_zoom_outNx",
 };
 
 std::set<std::string> defined_dynamic_symbols(const std::string& path) {
