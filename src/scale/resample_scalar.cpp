@@ -15,8 +15,13 @@ void scale_step_table(std::int32_t* table, std::int32_t start, std::int32_t src_
   const std::int32_t distance = mirrored ? start - end : end - start;
   std::int32_t step = (distance - 1) / (dst_count - 1);
   if (mirrored) step = -step;
+  // table[j] = table[j - 1] + step, written as start + j * step in wrapping unsigned arithmetic:
+  // the same 32-bit values, without the serial dependency (the loop vectorizes).
   table[0] = start;
-  for (std::int32_t j = 1; j < dst_count - 1; ++j) table[j] = table[j - 1] + step;
+  for (std::int32_t j = 1; j < dst_count - 1; ++j)
+    table[j] =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(start) +
+                                  static_cast<std::uint32_t>(j) * static_cast<std::uint32_t>(step));
   table[dst_count - 1] = end - 1;
 }
 
