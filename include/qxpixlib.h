@@ -157,16 +157,26 @@ QX_API void QX_CALL qx_zoom_in2x2d(uint32_t* dst, const uint32_t* src, int32_t w
                                    int32_t height, int32_t src_stride);
 
 /* Resamples a line of src_count pixels to 4 * (dst_count / 4) pixels by two-tap linear
- * interpolation in 8-bit fixed point. dst 16-byte aligned. */
+ * interpolation in 8-bit fixed point; the last dst_count % 4 pixels are not written. Positions
+ * step by (256 * (src_count - 1) - 1) / (dst_count - 1) from 0, the last pinned to
+ * 256 * (src_count - 1) - 1; within each group of four outputs the second and fourth take as left
+ * tap the right neighbour of the preceding output's left tap. Each byte (alpha included) is
+ * left * (256 - f) / 256 + right * f / 256, each product truncated. Only pixels 0 .. src_count - 1
+ * are read. dst 16-byte aligned (the library tolerates any), src any alignment. dst_count < 2,
+ * src_count < 2 and src_count > 2^23 write nothing. */
 QX_API void QX_CALL qx_scale_1d(uint32_t* dst, int32_t dst_count, const uint32_t* src,
                                 int32_t src_count);
 
-/* qx_scale_1d applied to each of `height` rows (strides in pixels). */
+/* qx_scale_1d applied to each of `height` rows (strides in pixels, either sign); one position
+ * table serves every row. height <= 0 writes nothing. */
 QX_API void QX_CALL qx_scale_horz(uint32_t* dst, int32_t dst_width, int32_t dst_stride,
                                   const uint32_t* src, int32_t src_width, int32_t height,
                                   int32_t src_stride);
 
-/* Shrinks a packed picture by whole factors, taking the top-left pixel of each block. */
+/* Shrinks a packed picture by whole factors, taking the top-left pixel of each block:
+ * dst[r * dst_width + c] = src[r * fy * src_width + c * fx], fx = src_width / dst_width rounded up,
+ * fy likewise. Samples are not clamped: a row may read on into the next source row, and the last
+ * rows may lie past src_height; src must be sized for that. Any size <= 0 writes nothing. */
 QX_API void QX_CALL qx_zoom_outNx(uint32_t* dst, int32_t dst_width, int32_t dst_height,
                                   const uint32_t* src, int32_t src_width, int32_t src_height);
 

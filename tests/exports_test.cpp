@@ -34,7 +34,10 @@ const std::set<std::string> kExported = {
     "qx_sblend_mlt",
     "qx_sblend_mt",
     "qx_sblend_t",
+    "qx_scale_1d",
+    "qx_scale_horz",
     "qx_v210yuv422p10",
+    "qx_zoom_outNx",
 };
 // clang-format on
 
