@@ -4,8 +4,6 @@
 
 #include <cstdint>
 
-#include "frame/reciprocal.h"
-
 namespace qx {
 
 struct SblendArith {
@@ -20,8 +18,8 @@ struct SblendArith {
     const Px aout_hi =
         V::add16(w_hi, V::mulhi_u16(V::splat_alpha(V::widen_hi(bg)), V::subs_u16(c255, w_hi)));
     // One ReciprocalTable entry per pixel, in all four of its lanes.
-    const Px r_lo = V::lookup_px(aout_lo, ReciprocalPairs.data());
-    const Px r_hi = V::lookup_px(aout_hi, ReciprocalPairs.data());
+    const Px r_lo = V::reciprocal_px(aout_lo);
+    const Px r_hi = V::reciprocal_px(aout_hi);
     // K = R * F / 256; R * F <= 65535 because F <= Aout.
     const Px k_lo = V::srl16(V::mullo16(r_lo, w_lo), 8);
     const Px k_hi = V::srl16(V::mullo16(r_hi, w_hi), 8);

@@ -51,11 +51,18 @@ struct V {
                                         4, 4, 4, 4, 5, 5, 5, 5, 6, 6, 6, 6, 7, 7, 7, 7);
     return _mm256_shuffle_epi8(b, pattern);
   }
-  // Per-pixel table look-up on widened lanes (see the SSE2 policy): one gathered word per 32-bit
-  // lane; both lanes of a pixel fetch the same entry.
-  static Px lookup_px(Px x, const std::uint32_t* pairs) {
-    const Px index = _mm256_and_si256(x, _mm256_set1_epi32(0xFF));
-    return _mm256_i32gather_epi32(reinterpret_cast<const int*>(pairs), index, 4);
+  // ReciprocalTable[v & 0xFF] of each pixel's first 16-bit lane v, in all four of its lanes (see
+  // the SSE2 policy), computed rather than read: for 1 <= a <= 255 the single-precision quotient
+  // 65535 / a truncates to 65535 / a exactly (65535 and a are exact, and a quotient that is not
+  // an integer lies at least 1/a > 2^-9 below the next integer, more than the half unit in the
+  // last place, 2^-9, that rounding can add), and a = 0 gives entry 0, which is 0.
+  static Px reciprocal_px(Px x) {
+    const Px a = _mm256_and_si256(x, _mm256_set1_epi32(0xFF));  // Aout, twice per pixel
+    const __m256 q = _mm256_div_ps(_mm256_set1_ps(65535.0f),
+                                   _mm256_cvtepi32_ps(_mm256_max_epi32(a, _mm256_set1_epi32(1))));
+    const Px r = _mm256_and_si256(_mm256_cvttps_epi32(q),  // entry 0 is 0
+                                  _mm256_cmpgt_epi32(a, _mm256_setzero_si256()));
+    return _mm256_or_si256(r, _mm256_slli_epi32(r, 16));
   }
 
   static Px add16(Px a, Px b) { return _mm256_add_epi16(a, b); }

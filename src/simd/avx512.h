@@ -52,12 +52,17 @@ struct V {
                                         0x03030303, 0x02020202, 0x01010101, 0x00000000);
     return _mm512_shuffle_epi8(b, pattern);
   }
-  // Per-pixel table look-up on widened lanes (see the SSE2 policy): one gathered word per 32-bit
-  // lane; both lanes of a pixel fetch the same entry.
-  static Px lookup_px(Px x, const std::uint32_t* pairs) {
-    const Px index = _mm512_and_si512(x, _mm512_set1_epi32(0xFF));
-    return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), static_cast<__mmask16>(0xFFFF),
-                                       index, pairs, 4);
+  // ReciprocalTable[v & 0xFF] of each pixel's first 16-bit lane v, in all four of its lanes (see
+  // the SSE2 policy), computed rather than read: for 1 <= a <= 255 the single-precision quotient
+  // 65535 / a truncates to 65535 / a exactly (65535 and a are exact, and a quotient that is not
+  // an integer lies at least 1/a > 2^-9 below the next integer, more than the half unit in the
+  // last place, 2^-9, that rounding can add), and a = 0 gives entry 0, which is 0.
+  static Px reciprocal_px(Px x) {
+    const Px a = _mm512_and_si512(x, _mm512_set1_epi32(0xFF));  // Aout, twice per pixel
+    const __m512 q = _mm512_div_ps(_mm512_set1_ps(65535.0f),
+                                   _mm512_cvtepi32_ps(_mm512_max_epi32(a, _mm512_set1_epi32(1))));
+    const Px r = _mm512_maskz_cvttps_epi32(_mm512_test_epi32_mask(a, a), q);  // entry 0 is 0
+    return _mm512_or_si512(r, _mm512_slli_epi32(r, 16));
   }
 
   static Px add16(Px a, Px b) { return _mm512_add_epi16(a, b); }

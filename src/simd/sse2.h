@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "frame/pixel.h"
+#include "frame/reciprocal.h"
 
 namespace qx::sse2 {
 
@@ -63,14 +64,15 @@ struct V {
     const Px b2 = _mm_unpacklo_epi8(b, b);  // m0 m0 m1 m1 m2 m2 m3 m3
     return _mm_unpacklo_epi16(b2, b2);      // m0 x4 | m1 x4 | m2 x4 | m3 x4
   }
-  // Per-pixel table look-up on widened lanes: for each pixel of x (as laid out by widen_lo /
-  // widen_hi), pairs[its first lane & 0xFF] fills the pixel's four lanes (pairs[i] holds a 16-bit
-  // value in both halves).
-  static Px lookup_px(Px x, const std::uint32_t* pairs) {
-    const Px p0 = _mm_cvtsi32_si128(static_cast<int>(pairs[_mm_extract_epi16(x, 0) & 0xFF]));
-    const Px p1 = _mm_cvtsi32_si128(static_cast<int>(pairs[_mm_extract_epi16(x, 4) & 0xFF]));
-    const Px both = _mm_unpacklo_epi32(p0, p1);  // e0 e0 e1 e1 | 0...
-    return _mm_unpacklo_epi32(both, both);       // e0 x4 | e1 x4
+  // ReciprocalTable[v & 0xFF] of each pixel's first 16-bit lane v, in all four of its lanes (x laid
+  // out as widen_lo / widen_hi lay out pixels): two scalar table reads per half.
+  static Px reciprocal_px(Px x) {
+    const Px r0 =
+        _mm_cvtsi32_si128(static_cast<int>(ReciprocalPairs[_mm_extract_epi16(x, 0) & 0xFF]));
+    const Px r1 =
+        _mm_cvtsi32_si128(static_cast<int>(ReciprocalPairs[_mm_extract_epi16(x, 4) & 0xFF]));
+    const Px both = _mm_unpacklo_epi32(r0, r1);  // r0 r0 r1 r1 | 0...
+    return _mm_unpacklo_epi32(both, both);       // r0 x4 | r1 x4
   }
 
   // ---- 16-bit lane arithmetic ----
