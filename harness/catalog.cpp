@@ -2,14 +2,19 @@
 
 #include <stdexcept>
 
+#include "alpha/alpha.h"
 #include "frame/fill.h"
 #include "qxpixlib.h"
+#include "scale/linzoom.h"
 
 namespace qx::harness {
 
 const std::vector<LineKernel>& line_kernels() {
   static const std::vector<LineKernel> kernels = {
       line_kernel("fill", fill_forms, qx_fill),
+      line_kernel("alpha", alpha_forms, qx_alpha),
+      line_kernel("mask", mask_forms, qx_mask),
+      line_kernel("lin_pix", lin_pix_forms, qx_lin_pix),
   };
   return kernels;
 }

@@ -11,11 +11,19 @@ extern "C" int qx_c_api_smoke(void);
 
 namespace {
 
+// One name per line.
+// clang-format off
 const std::set<std::string> kExported = {
     "qx_pixinit",
     "qx_r210argb",
     "qx_fill",
+    "qx_alpha",
+    "qx_mask",
+    "qx_lin_pix",
+    "qx_zoom_in2x1d",
+    "qx_zoom_in2x2d",
 };
+// clang-format on
 
 std::set<std::string> defined_dynamic_symbols(const std::string& path) {
   std::set<std::string> names;

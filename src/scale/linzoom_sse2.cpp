@@ -1,0 +1,54 @@
+#include "frame/line.h"
+#include "scale/linzoom.h"
+#include "scale/linzoom_vec.h"
+#include "simd/sse2.h"
+
+namespace qx::sse2 {
+namespace {
+
+struct ZoomOps {
+  static void double_line(std::uint32_t* dst, const std::uint32_t* src, std::int32_t count) {
+    zoom_in2x1d(dst, src, count);
+  }
+  static void average_rows(std::uint32_t* dst, const std::uint32_t* a, const std::uint32_t* b,
+                           std::ptrdiff_t n) {
+    qx::average_rows<V>(dst, a, b, n);
+  }
+};
+
+}  // namespace
+
+void lin_pix(std::uint32_t* dst, const std::uint32_t* src1, const std::uint32_t* src2,
+             std::uint32_t weight, std::int32_t count) {
+  const std::uint32_t w = clamp256(weight);
+  const V::Px wv = V::set16(w);  // both weights in every lane, once per call
+  const V::Px iwv = V::subs_u16(V::set16(256), wv);
+  vector_line<V, Shape<2, false>>(Lines{dst, src1, src2, nullptr, count}, [&](V::Px a, V::Px b) {
+    return lin_pix_group<V>(a, b, wv, iwv);
+  });
+}
+
+// Four source pixels per step, each loaded once: the group before stays in a register to supply
+// the predecessor of the group's first pixel. Unaligned accesses cost nothing on aligned lines and
+// do not fault on misaligned ones.
+void zoom_in2x1d(std::uint32_t* dst, const std::uint32_t* src, std::int32_t count) {
+  const std::int32_t groups = count / kGroup;
+  if (groups <= 0) return;
+  V::Px prev = _mm_shuffle_epi32(V::load(src), 0x00);  // p[-1] = p[0], in lane 3
+  for (std::int32_t g = 0; g < groups; ++g) {
+    const V::Px cur = V::load(src + 4 * g);
+    // p[i - 1] for each lane: the current group moved up one pixel, the last of prev below.
+    const V::Px before = V::or_(_mm_slli_si128(cur, 4), _mm_srli_si128(prev, 12));
+    const V::Px mid = floor_avg<V>(before, cur);
+    V::store(dst + 8 * g, _mm_unpacklo_epi32(mid, cur));
+    V::store(dst + 8 * g + 4, _mm_unpackhi_epi32(mid, cur));
+    prev = cur;
+  }
+}
+
+void zoom_in2x2d(std::uint32_t* dst, const std::uint32_t* src, std::int32_t width,
+                 std::int32_t height, std::int32_t src_stride) {
+  zoom_in2x2d_frame<ZoomOps>(dst, src, width, height, src_stride);
+}
+
+}  // namespace qx::sse2
