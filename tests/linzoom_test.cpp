@@ -193,7 +193,7 @@ TEST_P(Zoom, LineMatchesScalarForm) {
   for (std::int32_t n = 0; n <= 40; ++n) counts.push_back(n);
   counts.push_back(1920);
   for (std::int32_t count : counts) {
-    std::vector<std::uint32_t> line(std::max(count, 4)), prior(2 * count);
+    std::vector<std::uint32_t> line(std::max(count, 4)), prior(2 * count + 1);  // + 1: never empty
     harness::random_pixels(line, rng);
     harness::random_pixels(prior, rng);
     // The line ends as close before an inaccessible page as 16-byte alignment allows.
@@ -224,17 +224,18 @@ TEST_P(Zoom, PictureMatchesScalarForm) {
     const std::size_t src_px = std::size_t(std::max(z.stride, 4)) * std::max(z.height, 1) + 4;
     Guarded src(4 * src_px, 0);
     harness::random_pixels({src.as<std::uint32_t>(), src_px}, rng);
-    std::vector<std::uint32_t> prior(out_w * out_rows);
+    std::vector<std::uint32_t> prior(out_w * out_rows + 1);  // + 1: never empty
     harness::random_pixels(prior, rng);
     std::vector<std::uint32_t> ref = prior;
     zoom_in2x2d_forms[0].fn(ref.data(), src.as<std::uint32_t>(), z.width, z.height, z.stride);
-    Guarded dst(4 * prior.size(), 0);
-    std::memcpy(dst.data(), prior.data(), 4 * prior.size());
+    const std::size_t bytes = 4 * out_w * out_rows;
+    Guarded dst(bytes, 0);
+    std::memcpy(dst.data(), prior.data(), bytes);
     GetParam().picture(dst.as<std::uint32_t>(), src.as<std::uint32_t>(), z.width, z.height,
                        z.stride);
     const std::string where = std::to_string(z.width) + "x" + std::to_string(z.height) +
                               " stride " + std::to_string(z.stride);
-    EXPECT_EQ(std::memcmp(dst.data(), ref.data(), 4 * prior.size()), 0) << where;
+    EXPECT_EQ(std::memcmp(dst.data(), ref.data(), bytes), 0) << where;
     EXPECT_TRUE(dst.guards_intact()) << where;
   }
 }

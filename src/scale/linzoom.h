@@ -77,7 +77,7 @@ inline void zoom_in2x2d_frame(std::uint32_t* dst, const std::uint32_t* src, std:
     if (y > 0) Ops::average_rows(row - w, row - 2 * w, row, averaged);
   }
   const std::ptrdiff_t last = height > 0 ? 2 * static_cast<std::ptrdiff_t>(height) - 2 : 0;
-  std::memcpy(dst + (last + 1) * w, dst + last * w, sizeof(std::uint32_t) * w);
+  if (w > 0) std::memcpy(dst + (last + 1) * w, dst + last * w, sizeof(std::uint32_t) * w);
 }
 
 }  // namespace qx
