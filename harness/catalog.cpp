@@ -4,10 +4,12 @@
 
 #include "blend/blend.h"
 #include "convert/convert.h"
+#include "alpha/alpha.h"
 #include "frame/fill.h"
 #include "lblend/lblend.h"
 #include "qxpixlib.h"
 #include "sblend/sblend.h"
+#include "scale/linzoom.h"
 
 namespace qx::harness {
 
@@ -31,6 +33,9 @@ const std::vector<LineKernel>& line_kernels() {
       line_kernel("sblend_mlt", sblend_mlt_forms, qx_sblend_mlt),
       line_kernel("argb2ayuv", argb2ayuv_forms, qx_argb2ayuv),
       line_kernel("ayuv2argb", ayuv2argb_forms, qx_ayuv2argb),
+      line_kernel("alpha", alpha_forms, qx_alpha),
+      line_kernel("mask", mask_forms, qx_mask),
+      line_kernel("lin_pix", lin_pix_forms, qx_lin_pix),
   };
   return kernels;
 }

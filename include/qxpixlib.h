@@ -151,8 +151,10 @@ QX_API void QX_CALL qx_zoom_in2x1d(uint32_t* dst, const uint32_t* src, int32_t c
 
 /* Doubles a picture of `height` rows of `width` pixels (rows `src_stride` pixels apart) into a
  * packed block of 2 * height rows of 2 * width pixels: even rows doubled as by qx_zoom_in2x1d, odd
- * rows the truncated average of their neighbours, the last row a copy of the one before. dst, src
- * and every row 16-byte aligned. */
+ * rows the truncated average of their neighbours over the first 4 * (width / 2) pixels, the last
+ * row a copy of the one before. The copy is made also when height <= 0: output row 1 then receives
+ * a copy of output row 0. A negative width writes nothing. dst, src and every row 16-byte aligned
+ * (so width even and src_stride a multiple of 4); dst must not overlap src. */
 QX_API void QX_CALL qx_zoom_in2x2d(uint32_t* dst, const uint32_t* src, int32_t width,
                                    int32_t height, int32_t src_stride);
 

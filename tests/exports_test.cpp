@@ -12,8 +12,10 @@ extern "C" int qx_c_api_smoke(void);
 namespace {
 
 // One name per line, so that each subsystem adds its names without touching the others'.
+// One name per line.
 // clang-format off
 const std::set<std::string> kExported = {
+    "qx_alpha",
     "qx_argb2ayuv",
     "qx_ayuv2argb",
     "qx_blend",
@@ -27,6 +29,8 @@ const std::set<std::string> kExported = {
     "qx_lblend_mlt",
     "qx_lblend_mt",
     "qx_lblend_t",
+    "qx_lin_pix",
+    "qx_mask",
     "qx_pixinit",
     "qx_r210argb",
     "qx_sblend",
@@ -37,6 +41,8 @@ const std::set<std::string> kExported = {
     "qx_scale_1d",
     "qx_scale_horz",
     "qx_v210yuv422p10",
+    "qx_zoom_in2x1d",
+    "qx_zoom_in2x2d",
     "qx_zoom_outNx",
 };
 // clang-format on
