@@ -3,8 +3,10 @@
 #pragma once
 
 #include "convert/convert.h"
+#include "frame/unit.h"
 
 namespace qx::color_vec {
+inline namespace QX_UNIT_NS {
 
 // Lane selectors for V::shuffle16x4 (lane k of a pixel takes lane (imm >> 2k) & 3).
 constexpr int lanes(int l0, int l1, int l2, int l3) { return l0 | l1 << 2 | l2 << 4 | l3 << 6; }
@@ -62,4 +64,5 @@ typename V::Px ayuv2argb(typename V::Px px) {
   return V::pack(half(V::zext_lo(px)), half(V::zext_hi(px)));
 }
 
+}  // namespace QX_UNIT_NS
 }  // namespace qx::color_vec

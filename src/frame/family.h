@@ -15,8 +15,10 @@
 #include "frame/isa.h"
 #include "frame/line.h"
 #include "frame/pixel.h"
+#include "frame/unit.h"
 
 namespace qx {
+inline namespace QX_UNIT_NS {
 
 enum class Weight : std::uint8_t { kAlpha, kOpacity, kMask, kMaskOpacity, kLutOpacity };
 
@@ -70,6 +72,7 @@ using FamilyMltFn = void(std::uint32_t* dst, const std::uint32_t* bg, const std:
                          std::int32_t count, const std::uint8_t* mask, const std::uint8_t* lut,
                          std::uint32_t opacity);
 
+}  // namespace QX_UNIT_NS
 }  // namespace qx
 
 // Declares base, base_t, base_m, base_mt and base_mlt in the current namespace.

@@ -8,8 +8,10 @@
 
 #include "frame/family.h"
 #include "frame/line.h"
+#include "frame/unit.h"
 
 namespace qx {
+inline namespace QX_UNIT_NS {
 
 template <class V, Weight kW, class Arith>
 inline void vector_family_line(std::uint32_t* dst, const std::uint32_t* bg, const std::uint32_t* fg,
@@ -53,6 +55,7 @@ inline void vector_family_line(std::uint32_t* dst, const std::uint32_t* bg, cons
       });
 }
 
+}  // namespace QX_UNIT_NS
 }  // namespace qx
 
 // Inside the vector namespace of a per-instruction-set unit (where V is that set's policy):

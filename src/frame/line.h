@@ -20,8 +20,10 @@
 #include <cstring>
 
 #include "frame/pixel.h"
+#include "frame/unit.h"
 
 namespace qx {
+inline namespace QX_UNIT_NS {
 
 enum class TailPairing : std::uint8_t {
   kOwn,     // every pixel is computed from its own input pixels
@@ -147,4 +149,5 @@ inline void vector_line(const Lines& l, GroupFn&& grp) {
   }
 }
 
+}  // namespace QX_UNIT_NS
 }  // namespace qx

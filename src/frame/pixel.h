@@ -4,7 +4,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/unit.h"
+
 namespace qx {
+inline namespace QX_UNIT_NS {
 
 // Pixels per group: the vector body works on whole groups, the tail on the count % kGroup rest.
 inline constexpr std::int32_t kGroup = 4;
@@ -31,4 +34,5 @@ constexpr std::uint32_t make_px(std::uint32_t b0, std::uint32_t b1, std::uint32_
 // value a caller passes as a signed integer) acts as 256.
 constexpr std::uint32_t clamp256(std::uint32_t v) noexcept { return v > 256u ? 256u : v; }
 
+}  // namespace QX_UNIT_NS
 }  // namespace qx

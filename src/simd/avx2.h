@@ -11,7 +11,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/unit.h"
+
 namespace qx::avx2 {
+inline namespace QX_UNIT_NS {
 
 struct V {
   using Px = __m256i;
@@ -90,4 +93,5 @@ struct V {
   static Px andnot(Px a, Px b) { return _mm256_andnot_si256(a, b); }
 };
 
+}  // namespace QX_UNIT_NS
 }  // namespace qx::avx2

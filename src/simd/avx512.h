@@ -10,7 +10,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/unit.h"
+
 namespace qx::avx512 {
+inline namespace QX_UNIT_NS {
 
 struct V {
   using Px = __m512i;
@@ -92,4 +95,5 @@ struct V {
   static Px andnot(Px a, Px b) { return _mm512_andnot_si512(a, b); }
 };
 
+}  // namespace QX_UNIT_NS
 }  // namespace qx::avx512

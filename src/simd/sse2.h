@@ -14,8 +14,10 @@
 
 #include "frame/pixel.h"
 #include "frame/reciprocal.h"
+#include "frame/unit.h"
 
 namespace qx::sse2 {
+inline namespace QX_UNIT_NS {
 
 struct V {
   using Px = __m128i;
@@ -102,4 +104,5 @@ struct V {
   static Px andnot(Px a, Px b) { return _mm_andnot_si128(a, b); }  // ~a & b
 };
 
+}  // namespace QX_UNIT_NS
 }  // namespace qx::sse2
