@@ -12,14 +12,8 @@ std::uint32_t blend_px(std::uint32_t bg, std::uint32_t fg, std::uint32_t w) {
   return out | (255 * w / 256 + 255 * ba * v / 65536) << 24;
 }
 
-template <Weight kW>
-void line(std::uint32_t* dst, const std::uint32_t* bg, const std::uint32_t* fg, std::int32_t count,
-          const std::uint8_t* mask, const std::uint8_t* lut, std::uint32_t opacity) {
-  scalar_family_line<kW>(dst, bg, fg, count, mask, lut, opacity, blend_px);
-}
-
 }  // namespace
 
-QX_DEFINE_FAMILY(blend, line)
+QX_DEFINE_SCALAR_FAMILY(blend, blend_px)
 
 }  // namespace qx::scalar

@@ -106,6 +106,19 @@ using FamilyMltFn = void(std::uint32_t* dst, const std::uint32_t* bg, const std:
     LINE<::qx::Weight::kLutOpacity>(d, b, f, n, m, l, o);                                          \
   }
 
+// Inside namespace qx::scalar: defines the five functions of family `base` from its per-pixel
+// arithmetic px(bg, fg, w) -> output pixel.
+#define QX_DEFINE_SCALAR_FAMILY(base, px)                                            \
+  namespace {                                                                        \
+  template <::qx::Weight kW>                                                         \
+  void base##_line(std::uint32_t* d, const std::uint32_t* b, const std::uint32_t* f, \
+                   std::int32_t n, const std::uint8_t* m, const std::uint8_t* l,     \
+                   std::uint32_t o) {                                                \
+    ::qx::scalar_family_line<kW>(d, b, f, n, m, l, o, px);                           \
+  }                                                                                  \
+  }                                                                                  \
+  QX_DEFINE_FAMILY(base, base##_line)
+
 // Inside namespace qx: declares the five functions of a family in every form and lists them as
 // base_forms, base_t_forms, base_m_forms, base_mt_forms and base_mlt_forms.
 #define QX_FAMILY_FORMS(base)            \

@@ -13,14 +13,8 @@ std::uint32_t lblend_px(std::uint32_t bg, std::uint32_t fg, std::uint32_t w) {
   return make_px(c[0], c[1], c[2], a);
 }
 
-template <Weight kW>
-void line(std::uint32_t* d, const std::uint32_t* b, const std::uint32_t* f, std::int32_t n,
-          const std::uint8_t* m, const std::uint8_t* l, std::uint32_t o) {
-  scalar_family_line<kW>(d, b, f, n, m, l, o, lblend_px);
-}
-
 }  // namespace
 
-QX_DEFINE_FAMILY(lblend, line)
+QX_DEFINE_SCALAR_FAMILY(lblend, lblend_px)
 
 }  // namespace qx::scalar

@@ -20,14 +20,8 @@ std::uint32_t step(std::uint32_t bg, std::uint32_t fg, std::uint32_t f) {
   return make_px(out[0], out[1], out[2], aout);
 }
 
-template <Weight kW>
-void line(std::uint32_t* d, const std::uint32_t* b, const std::uint32_t* f, std::int32_t n,
-          const std::uint8_t* m, const std::uint8_t* l, std::uint32_t o) {
-  scalar_family_line<kW>(d, b, f, n, m, l, o, step);
-}
-
 }  // namespace
 
-QX_DEFINE_FAMILY(sblend, line)
+QX_DEFINE_SCALAR_FAMILY(sblend, step)
 
 }  // namespace qx::scalar
