@@ -11,38 +11,15 @@ extern "C" int qx_c_api_smoke(void);
 
 namespace {
 
-// One name per line, so that each subsystem adds its names without touching the others'.
-// One name per line.
 // clang-format off
 const std::set<std::string> kExported = {
-    "qx_alpha",
-    "qx_argb2ayuv",
-    "qx_ayuv2argb",
-    "qx_blend",
-    "qx_blend_m",
-    "qx_blend_mlt",
-    "qx_blend_mt",
-    "qx_blend_t",
-    "qx_fill",
-    "qx_lblend",
-    "qx_lblend_m",
-    "qx_lblend_mlt",
-    "qx_lblend_mt",
-    "qx_lblend_t",
-    "qx_lin_pix",
-    "qx_mask",
-    "qx_pixinit",
-    "qx_r210argb",
-    "qx_sblend",
-    "qx_sblend_m",
-    "qx_sblend_mlt",
-    "qx_sblend_mt",
-    "qx_sblend_t",
-    "qx_scale_1d",
-    "qx_scale_horz",
-    "qx_v210yuv422p10",
-    "qx_zoom_in2x1d",
-    "qx_zoom_in2x2d",
+    "qx_pixinit", "qx_r210argb", "qx_fill",
+    "qx_argb2ayuv", "qx_ayuv2argb", "qx_v210yuv422p10",
+    "qx_blend", "qx_blend_t", "qx_blend_m", "qx_blend_mt", "qx_blend_mlt",
+    "qx_lblend", "qx_lblend_t", "qx_lblend_m", "qx_lblend_mt", "qx_lblend_mlt",
+    "qx_sblend", "qx_sblend_t", "qx_sblend_m", "qx_sblend_mt", "qx_sblend_mlt",
+    "qx_alpha", "qx_mask",
+    "qx_lin_pix", "qx_zoom_in2x1d", "qx_zoom_in2x2d", "qx_scale_1d", "qx_scale_horz",
     "qx_zoom_outNx",
 };
 // clang-format on

@@ -52,6 +52,7 @@ struct Worked {
   std::uint32_t opacity, want;
 };
 constexpr std::uint32_t grey(std::uint32_t c, std::uint32_t a) { return make_px(c, c, c, a); }
+constexpr auto P = make_px;
 
 const Worked kWorked[] = {
     // Premultiplied over at 1/256: a full mask is not the identity.
@@ -68,20 +69,13 @@ const Worked kWorked[] = {
     {"lblend_mt", 0x00000000, 0xC8FFFFFF, 255, &kIdentity, 128, 0x4D626262},  // w 127 then 99
     {"lblend_mlt", 0x00000000, 0xFFFFFFFF, 0, &kInvert, 128, 0x7D7D7D7D},     // lut[0] 255: 127
     // Straight-alpha compositing (bytes 0, 1, 2, alpha).
-    {"sblend", make_px(10, 20, 30, 255), make_px(200, 100, 50, 0), 0, &kIdentity, 256,
-     make_px(10, 20, 30, 254)},
-    {"sblend", make_px(10, 20, 30, 1), make_px(200, 100, 50, 0), 0, &kIdentity, 256,
-     make_px(10, 20, 30, 0)},
-    {"sblend", make_px(10, 20, 30, 2), make_px(200, 100, 50, 0), 0, &kIdentity, 256,
-     make_px(10, 20, 30, 1)},
-    {"sblend", make_px(0, 255, 30, 77), make_px(255, 0, 31, 255), 0, &kIdentity, 256,
-     make_px(254, 0, 30, 255)},
-    {"sblend", make_px(0, 255, 30, 0), make_px(255, 0, 31, 128), 0, &kIdentity, 256,
-     make_px(254, 0, 30, 128)},
-    {"sblend", make_px(0, 255, 100, 255), make_px(255, 0, 200, 128), 0, &kIdentity, 256,
-     make_px(128, 126, 150, 254)},
-    {"sblend", make_px(0, 255, 100, 255), make_px(255, 0, 200, 254), 0, &kIdentity, 256,
-     make_px(254, 0, 199, 254)},
+    {"sblend", P(10, 20, 30, 255), P(200, 100, 50, 0), 0, &kIdentity, 256, P(10, 20, 30, 254)},
+    {"sblend", P(10, 20, 30, 1), P(200, 100, 50, 0), 0, &kIdentity, 256, P(10, 20, 30, 0)},
+    {"sblend", P(10, 20, 30, 2), P(200, 100, 50, 0), 0, &kIdentity, 256, P(10, 20, 30, 1)},
+    {"sblend", P(0, 255, 30, 77), P(255, 0, 31, 255), 0, &kIdentity, 256, P(254, 0, 30, 255)},
+    {"sblend", P(0, 255, 30, 0), P(255, 0, 31, 128), 0, &kIdentity, 256, P(254, 0, 30, 128)},
+    {"sblend", P(0, 255, 100, 255), P(255, 0, 200, 128), 0, &kIdentity, 256, P(128, 126, 150, 254)},
+    {"sblend", P(0, 255, 100, 255), P(255, 0, 200, 254), 0, &kIdentity, 256, P(254, 0, 199, 254)},
     {"sblend_t", grey(0, 255), grey(255, 255), 0, &kIdentity, 128, grey(126, 254)},  // F 127
 };
 
