@@ -21,29 +21,8 @@ using ZoomIn2dFn = void(std::uint32_t* dst, const std::uint32_t* src, std::int32
 
 QX_KERNEL_FORMS(LinPixFn, lin_pix)
 
-namespace scalar {
-ZoomIn1dFn zoom_in2x1d;
-ZoomIn2dFn zoom_in2x2d;
-}  // namespace scalar
-#if QX_X86
-namespace sse2 {
-ZoomIn1dFn zoom_in2x1d;
-ZoomIn2dFn zoom_in2x2d;
-}  // namespace sse2
-#endif
-
-inline constexpr Form<ZoomIn1dFn> zoom_in2x1d_forms[] = {
-    {Isa::kScalar, scalar::zoom_in2x1d},
-#if QX_X86
-    {Isa::kSse2, sse2::zoom_in2x1d},
-#endif
-};
-inline constexpr Form<ZoomIn2dFn> zoom_in2x2d_forms[] = {
-    {Isa::kScalar, scalar::zoom_in2x2d},
-#if QX_X86
-    {Isa::kSse2, sse2::zoom_in2x2d},
-#endif
-};
+QX_SSE2_KERNEL_FORMS(ZoomIn1dFn, zoom_in2x1d)
+QX_SSE2_KERNEL_FORMS(ZoomIn2dFn, zoom_in2x2d)
 
 // The picture doubling shared by every form of qx_zoom_in2x2d. With W = 2 * width output pixels
 // per row and R(k) output row k (rows packed, W pixels apart):
