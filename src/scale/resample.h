@@ -72,7 +72,13 @@ void scale_horz(ScaleLineFn* line, std::uint32_t* dst, std::int32_t dst_width,
 // (packed, row pitch src_width), fx and fy the ratios rounded up. Samples are not clamped: they may
 // come from the next source row or from rows past src_height, which the caller sizes src for.
 // Any width or height <= 0 writes nothing.
-void zoom_out(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
-              const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height);
+using ZoomOutFn = void(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
+                       const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height);
+
+namespace scalar {
+ZoomOutFn zoom_out;
+}
+
+inline constexpr Form<ZoomOutFn> zoom_out_forms[] = {{Isa::kScalar, scalar::zoom_out}};
 
 }  // namespace qx

@@ -1,5 +1,5 @@
 // The exported scalers and zoom-out. The linear scalers run the form of scale_line_interp chosen
-// for this processor; qx_zoom_outNx is a plain copy loop.
+// for this processor, qx_zoom_outNx the form of zoom_out chosen for it.
 #include "qxpixlib.h"
 #include "scale/resample.h"
 
@@ -21,7 +21,7 @@ QX_API void QX_CALL qx_scale_horz(std::uint32_t* dst, std::int32_t dst_width,
 QX_API void QX_CALL qx_zoom_outNx(std::uint32_t* dst, std::int32_t dst_width,
                                   std::int32_t dst_height, const std::uint32_t* src,
                                   std::int32_t src_width, std::int32_t src_height) {
-  qx::zoom_out(dst, dst_width, dst_height, src, src_width, src_height);
+  qx::chosen<qx::zoom_out_forms>()(dst, dst_width, dst_height, src, src_width, src_height);
 }
 
 }  // extern "C"

@@ -62,6 +62,8 @@ void scale_1d(ScaleLineFn* line, std::uint32_t* dst, std::int32_t dst_count,
   scale_horz(line, dst, dst_count, 0, src, src_count, 1, 0);
 }
 
+namespace scalar {
+
 void zoom_out(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
               const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height) {
   if (dst_width <= 0 || dst_height <= 0 || src_width <= 0 || src_height <= 0) return;
@@ -73,8 +75,6 @@ void zoom_out(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_heigh
     for (std::int32_t c = 0; c < dst_width; ++c) d[c] = s[c * fx];
   }
 }
-
-namespace scalar {
 
 namespace {
 std::uint32_t mix(std::uint32_t left, std::uint32_t right, std::uint32_t f) {
