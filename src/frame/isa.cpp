@@ -8,7 +8,7 @@ namespace qx {
 namespace {
 
 struct Features {
-  bool sse2 = false, ssse3 = false, avx2 = false, avx512 = false;
+  bool sse2 = false, ssse3 = false, avx2 = false, avx512 = false, avx512vbmi = false;
 };
 
 Features detect() noexcept {
@@ -20,6 +20,7 @@ Features detect() noexcept {
   f.ssse3 = f.sse2 && __builtin_cpu_supports("ssse3");
   f.avx2 = f.ssse3 && __builtin_cpu_supports("avx2");
   f.avx512 = f.avx2 && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl");
+  f.avx512vbmi = f.avx512 && __builtin_cpu_supports("avx512vbmi");
 #elif QX_X86 && defined(_MSC_VER)
   int r[4];
   __cpuid(r, 1);
@@ -45,6 +46,8 @@ bool cpu_supports(Isa isa) noexcept {
       return f.avx2;
     case Isa::kAvx512:
       return f.avx512;
+    case Isa::kAvx512Vbmi:
+      return f.avx512vbmi;
   }
   return false;
 }
@@ -61,6 +64,8 @@ const char* isa_name(Isa isa) noexcept {
       return "avx2";
     case Isa::kAvx512:
       return "avx512";
+    case Isa::kAvx512Vbmi:
+      return "avx512vbmi";
   }
   return "?";
 }

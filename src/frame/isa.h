@@ -12,7 +12,8 @@
 namespace qx {
 
 // Tiers in ascending order: a processor that has a tier has every tier before it.
-enum class Isa : std::uint8_t { kScalar, kSse2, kSsse3, kAvx2, kAvx512 };
+// kAvx512 is AVX-512 F, BW and VL; kAvx512Vbmi adds the byte permutes of AVX-512 VBMI.
+enum class Isa : std::uint8_t { kScalar, kSse2, kSsse3, kAvx2, kAvx512, kAvx512Vbmi };
 
 // True when this processor (and its operating system) can run code built for `isa`.
 // Evaluated once per process; kScalar is always supported.
