@@ -67,7 +67,8 @@ void memcpy_rows(benchmark::State& state, int dst_w, int rows) {
   const std::size_t bytes = std::size_t{4} * dst_w;
   for (auto _ : state) {
     for (int y = 0; y < rows; ++y)
-      std::memcpy(p.out() + static_cast<std::size_t>(dst_w) * y, p.src.data() + static_cast<std::size_t>(dst_w) * y, bytes);
+      std::memcpy(p.out() + static_cast<std::size_t>(dst_w) * y,
+                  p.src.data() + static_cast<std::size_t>(dst_w) * y, bytes);
     benchmark::ClobberMemory();
   }
   state.SetItemsProcessed(state.iterations() * dst_w * rows);

@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
+#include "alpha/alpha.h"
 #include "blend/blend.h"
 #include "convert/convert.h"
-#include "alpha/alpha.h"
 #include "frame/fill.h"
 #include "lblend/lblend.h"
 #include "qxpixlib.h"
