@@ -12,6 +12,7 @@
 #include <random>
 #include <sstream>
 
+#include "ops.h"
 #include "picture.h"
 #include "tiers.h"
 
@@ -112,27 +113,11 @@ std::vector<Case> cases(Data& d) {
   add_line("qx_ayuv2argb", [=] { qx_ayuv2argb(o, a, kLine); });
   add_line("qx_v210yuv422p10",
            [=] { qx_v210yuv422p10(reinterpret_cast<std::uint16_t*>(o), a, kLine); });
-  using Fn = decltype(&qx_blend);
-  using FnT = decltype(&qx_blend_t);
-  using FnM = decltype(&qx_blend_m);
-  using FnMt = decltype(&qx_blend_mt);
-  using FnMlt = decltype(&qx_blend_mlt);
-  struct Fam {
-    const char* name;
-    Fn f;
-    FnT t;
-    FnM fm;
-    FnMt mt;
-    FnMlt mlt;
-  };
-  for (const Fam& f :
-       {Fam{"blend", qx_blend, qx_blend_t, qx_blend_m, qx_blend_mt, qx_blend_mlt},
-        Fam{"lblend", qx_lblend, qx_lblend_t, qx_lblend_m, qx_lblend_mt, qx_lblend_mlt},
-        Fam{"sblend", qx_sblend, qx_sblend_t, qx_sblend_m, qx_sblend_mt, qx_sblend_mlt}}) {
+  for (const FamilyExports& f : kFamilies) {
     const std::string n = std::string("qx_") + f.name;
-    c.push_back({n, line, kLine, line_bytes, [=] { f.f(o, a, b, kLine); }});
+    c.push_back({n, line, kLine, line_bytes, [=] { f.base(o, a, b, kLine); }});
     c.push_back({n + "_t", line, kLine, line_bytes, [=] { f.t(o, a, b, kLine, 200); }});
-    c.push_back({n + "_m", line, kLine, line_bytes, [=] { f.fm(o, a, b, kLine, m); }});
+    c.push_back({n + "_m", line, kLine, line_bytes, [=] { f.m(o, a, b, kLine, m); }});
     c.push_back({n + "_mt", line, kLine, line_bytes, [=] { f.mt(o, a, b, kLine, m, 200); }});
     c.push_back({n + "_mlt", line, kLine, line_bytes, [=] { f.mlt(o, a, b, kLine, m, lut, 200); }});
   }

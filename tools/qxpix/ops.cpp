@@ -47,20 +47,6 @@ Picture per_row(const Picture& src, int threads, RowFn row_fn) {
   return out;
 }
 
-struct FamilyExports {
-  const char* name;
-  decltype(&qx_blend) base;
-  decltype(&qx_blend_t) t;
-  decltype(&qx_blend_m) m;
-  decltype(&qx_blend_mt) mt;
-  decltype(&qx_blend_mlt) mlt;
-};
-constexpr FamilyExports kFamilies[] = {
-    {"blend", qx_blend, qx_blend_t, qx_blend_m, qx_blend_mt, qx_blend_mlt},
-    {"lblend", qx_lblend, qx_lblend_t, qx_lblend_m, qx_lblend_mt, qx_lblend_mlt},
-    {"sblend", qx_sblend, qx_sblend_t, qx_sblend_m, qx_sblend_mt, qx_sblend_mlt},
-};
-
 }  // namespace
 
 // ---- blending ----

@@ -4,6 +4,8 @@
 // (see picture.h: rows 16-byte aligned and padded); arguments are checked by the caller.
 #pragma once
 
+#include <qxpixlib.h>
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -18,6 +20,22 @@ void for_bands(int rows, int threads, const std::function<void(int, int)>& body)
 
 // ---- blending ----
 
+// The five exports of a blend family, by variant.
+struct FamilyExports {
+  const char* name;
+  decltype(&qx_blend) base;
+  decltype(&qx_blend_t) t;
+  decltype(&qx_blend_m) m;
+  decltype(&qx_blend_mt) mt;
+  decltype(&qx_blend_mlt) mlt;
+};
+inline constexpr FamilyExports kFamilies[] = {
+    {"blend", qx_blend, qx_blend_t, qx_blend_m, qx_blend_mt, qx_blend_mlt},
+    {"lblend", qx_lblend, qx_lblend_t, qx_lblend_m, qx_lblend_mt, qx_lblend_mlt},
+    {"sblend", qx_sblend, qx_sblend_t, qx_sblend_m, qx_sblend_mt, qx_sblend_mlt},
+};
+
+// Indexes kFamilies.
 enum class Family { kBlend, kLblend, kSblend };
 // "blend", "lblend", "sblend"
 Family family_named(const std::string& name);
