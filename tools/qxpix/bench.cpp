@@ -214,7 +214,7 @@ void plot_bench(const std::string& path, const std::vector<BenchRow>& rows) {
          << "set ylabel '10^9 output pixels per second'\n"
          << "set style data histograms\nset style histogram clustered gap 1\n"
          << "set style fill solid 0.8 border -1\nset boxwidth 0.9\nset grid ytics\n"
-         << "set xtics rotate by -50 scale 0\nset key top right\nset yrange [0:*]\nset rmargin 8\n"
+         << "set xtics rotate by -50 scale 0\nset key above\nset yrange [0:*]\nset rmargin 8\n"
          << "$data << EOD\n";
   for (const BenchRow& r : rows)
     script << '"' << r.kernel.substr(3) << " (" << r.form << ")\" " << r.gpx << ' '
