@@ -281,19 +281,19 @@ void run_demo(const std::string& dir, int threads,
   // The three blend families, each in its five variants.
   for (const char* family : {"blend", "lblend", "sblend"}) {
     for (int variant = 0; variant < 5; ++variant) {
-      BlendSpec spec;
-      spec.family = family_named(family);
-      spec.has_opacity = variant == 1 || variant == 3;
-      spec.opacity = 160;
-      spec.mask = variant >= 2 ? &mat : nullptr;
-      spec.lut = variant == 4 ? lut.data() : nullptr;
-      const std::string name = blend_export(spec).substr(3);
+      BlendChoice choice;
+      choice.family = family_named(family);
+      choice.has_opacity = variant == 1 || variant == 3;
+      choice.opacity = 160;
+      choice.mask = variant >= 2 ? &mat : nullptr;
+      choice.lut = variant == 4 ? lut.data() : nullptr;
+      const std::string name = blend_export(choice).substr(3);
       std::string cmd = std::string("qxpix blend --family ") + family;
-      if (spec.has_opacity) cmd += " --opacity 160";
-      if (spec.mask) cmd += " --mask matte.png";
-      if (spec.lut) cmd += " --lut contrast.lut";
+      if (choice.has_opacity) cmd += " --opacity 160";
+      if (choice.mask) cmd += " --mask matte.png";
+      if (choice.lut) cmd += " --lut contrast.lut";
       show(name, cmd + " bars.png foreground.png -o " + name + ".png",
-           blend(bg, fg, spec, threads));
+           blend(bg, fg, choice, threads));
     }
   }
 

@@ -209,26 +209,26 @@ struct Options {
 };
 
 void cmd_blend(const Options& o) {
-  BlendSpec spec;
-  spec.family = family_named(o.family);
-  spec.has_opacity = o.opacity.has_value();
-  spec.opacity = static_cast<std::uint32_t>(o.opacity.value_or(256));
+  BlendChoice choice;
+  choice.family = family_named(o.family);
+  choice.has_opacity = o.opacity.has_value();
+  choice.opacity = static_cast<std::uint32_t>(o.opacity.value_or(256));
   std::optional<Bytes> mask;
   std::vector<std::uint8_t> lut;
   if (!o.lut.empty()) {
     if (o.mask.empty()) throw Failure(o.lut, "--lut maps mask bytes and needs --mask");
     lut = read_lut(o.lut);
-    spec.lut = lut.data();
+    choice.lut = lut.data();
   }
   if (!o.mask.empty()) {
     mask = read_grey(o.mask);
-    spec.mask = &*mask;
+    choice.mask = &*mask;
   }
   auto check = [&](const std::string& bg, const Size& s) {
     if (mask) same_size(o.mask, {mask->width, mask->height}, bg, s, "the mask");
   };
   pair_frames(o.run, "blend", o.pair, o.out, check, [&](const Picture& bg, const Picture& fg) {
-    return blend(bg, fg, spec, o.run.threads);
+    return blend(bg, fg, choice, o.run.threads);
   });
 }
 

@@ -57,27 +57,27 @@ Family family_named(const std::string& name) {
   throw Failure("--family", "unknown family " + name + " (blend, lblend or sblend)");
 }
 
-std::string blend_export(const BlendSpec& spec) {
-  std::string name = std::string("qx_") + kFamilies[static_cast<int>(spec.family)].name;
-  if (spec.lut) return name + "_mlt";
-  if (spec.mask) return name + (spec.has_opacity ? "_mt" : "_m");
-  return name + (spec.has_opacity ? "_t" : "");
+std::string blend_export(const BlendChoice& choice) {
+  std::string name = std::string("qx_") + kFamilies[static_cast<int>(choice.family)].name;
+  if (choice.lut) return name + "_mlt";
+  if (choice.mask) return name + (choice.has_opacity ? "_mt" : "_m");
+  return name + (choice.has_opacity ? "_t" : "");
 }
 
-Picture blend(const Picture& bg, const Picture& fg, const BlendSpec& spec, int threads) {
-  const FamilyExports& f = kFamilies[static_cast<int>(spec.family)];
+Picture blend(const Picture& bg, const Picture& fg, const BlendChoice& choice, int threads) {
+  const FamilyExports& f = kFamilies[static_cast<int>(choice.family)];
   const int w = bg.width;
-  const std::uint32_t op = spec.opacity;
+  const std::uint32_t op = choice.opacity;
   return per_row(bg, threads, [&](std::uint32_t* d, const std::uint32_t* b, int y) {
     const std::uint32_t* g = fg.row(y);
-    const std::uint8_t* m = spec.mask ? spec.mask->row(y) : nullptr;
-    if (spec.lut)
-      f.mlt(d, b, g, w, m, spec.lut, spec.has_opacity ? op : 256);
-    else if (m && spec.has_opacity)
+    const std::uint8_t* m = choice.mask ? choice.mask->row(y) : nullptr;
+    if (choice.lut)
+      f.mlt(d, b, g, w, m, choice.lut, choice.has_opacity ? op : 256);
+    else if (m && choice.has_opacity)
       f.mt(d, b, g, w, m, op);
     else if (m)
       f.m(d, b, g, w, m);
-    else if (spec.has_opacity)
+    else if (choice.has_opacity)
       f.t(d, b, g, w, op);
     else
       f.base(d, b, g, w);

@@ -40,16 +40,16 @@ enum class Family { kBlend, kLblend, kSblend };
 // "blend", "lblend", "sblend"
 Family family_named(const std::string& name);
 
-struct BlendSpec {
+struct BlendChoice {
   Family family = Family::kBlend;
   bool has_opacity = false;
   std::uint32_t opacity = 256;
   const Bytes* mask = nullptr;        // same size as the pictures
   const std::uint8_t* lut = nullptr;  // 256 bytes; needs a mask
 };
-// The export a spec calls, e.g. "qx_sblend_mt".
-std::string blend_export(const BlendSpec& spec);
-Picture blend(const Picture& bg, const Picture& fg, const BlendSpec& spec, int threads);
+// The export a choice calls, e.g. "qx_sblend_mt".
+std::string blend_export(const BlendChoice& choice);
+Picture blend(const Picture& bg, const Picture& fg, const BlendChoice& choice, int threads);
 
 // ---- one picture in, one out ----
 
