@@ -23,6 +23,10 @@
 
 #include <stdint.h>
 
+/* QXPIXLIB_VERSION_MAJOR, _MINOR, _PATCH and QXPIXLIB_VERSION_STRING ("1.0.0"): the version of the
+ * library this header came with, installed beside it. */
+#include "qxpixlib_version.h"
+
 #if defined(_WIN32) || defined(__CYGWIN__)
 #if defined(QXPIXLIB_BUILDING)
 #define QX_API __declspec(dllexport)

@@ -3,7 +3,9 @@
 # Extra package names may be given as arguments.
 set -euo pipefail
 need=()
-for pkg in cmake g++ make binutils libgtest-dev libbenchmark-dev "$@"; do
+# (qxpix: libspng-dev, libcli11-dev, pkg-config; its bench --plot: gnuplot-nox)
+for pkg in cmake g++ make binutils libgtest-dev libbenchmark-dev libspng-dev libcli11-dev pkg-config \
+  gnuplot-nox "$@"; do
   dpkg -s "$pkg" >/dev/null 2>&1 || need+=("$pkg")
 done
 if [ ${#need[@]} -gt 0 ]; then
@@ -11,5 +13,6 @@ if [ ${#need[@]} -gt 0 ]; then
   [ "$(id -u)" -eq 0 ] || sudo="sudo"
   # (another apt run may hold the package lock for a while: wait for it rather than fail)
   $sudo apt-get -o DPkg::Lock::Timeout=600 update -qq
-  DEBIAN_FRONTEND=noninteractive $sudo apt-get -o DPkg::Lock::Timeout=600 install -y -qq "${need[@]}"
+  DEBIAN_FRONTEND=noninteractive $sudo apt-get -o DPkg::Lock::Timeout=600 install -y -qq \
+    --no-install-recommends "${need[@]}"
 fi

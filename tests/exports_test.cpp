@@ -1,4 +1,4 @@
-// The shared library's dynamic symbol table: the qx_ interface implemented so far and nothing else.
+// The symbols the library shows hosts: the qx_ interface and nothing else; and the version macros.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -6,6 +6,8 @@
 #include <set>
 #include <sstream>
 #include <string>
+
+#include "qxpixlib.h"
 
 extern "C" int qx_c_api_smoke(void);
 
@@ -24,9 +26,10 @@ const std::set<std::string> kExported = {
 };
 // clang-format on
 
-std::set<std::string> defined_dynamic_symbols(const std::string& path) {
+// The symbols nm lists as defined in a library, given nm's options and the file.
+std::set<std::string> defined_symbols(const std::string& nm_args) {
   std::set<std::string> names;
-  FILE* p = popen(("nm -D --defined-only '" + path + "'").c_str(), "r");
+  FILE* p = popen(("nm --defined-only " + nm_args).c_str(), "r");
   if (!p) return names;
   char line[512];
   while (fgets(line, sizeof line, p)) {
@@ -38,8 +41,9 @@ std::set<std::string> defined_dynamic_symbols(const std::string& path) {
   return names;
 }
 
+#ifdef QX_SHARED_LIBRARY
 TEST(SharedLibrary, ExportsExactlyTheInterface) {
-  EXPECT_EQ(defined_dynamic_symbols(QX_SHARED_LIBRARY), kExported);
+  EXPECT_EQ(defined_symbols("-D '" QX_SHARED_LIBRARY "'"), kExported);
 }
 
 TEST(SharedLibrary, PixinitAndR210argbAreOneEntry) {
@@ -50,6 +54,19 @@ TEST(SharedLibrary, PixinitAndR210argbAreOneEntry) {
   EXPECT_NE(a, nullptr);
   EXPECT_EQ(a, b);
   dlclose(lib);
+}
+#else
+// A host linking the static library meets no global name of ours but the interface.
+TEST(StaticLibrary, ExportsExactlyTheInterface) {
+  EXPECT_EQ(defined_symbols("-g '" QX_STATIC_LIBRARY "'"), kExported);
+}
+#endif
+
+TEST(PublicHeader, VersionMacrosAreTheProjectVersion) {
+  EXPECT_STREQ(QXPIXLIB_VERSION_STRING, QX_PROJECT_VERSION);
+  EXPECT_EQ(std::to_string(QXPIXLIB_VERSION_MAJOR) + "." + std::to_string(QXPIXLIB_VERSION_MINOR) +
+                "." + std::to_string(QXPIXLIB_VERSION_PATCH),
+            QX_PROJECT_VERSION);
 }
 
 TEST(SharedLibrary, HeaderWorksFromC) { EXPECT_EQ(qx_c_api_smoke(), 0); }
