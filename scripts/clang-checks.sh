@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# CI's clang stages: one clang build under AddressSanitizer and UndefinedBehaviorSanitizer serves
-# the whole suite (every tier included) and a brief run of each fuzz target; then the threads test
-# under ThreadSanitizer.
+# CI's clang stages: the whole suite (every tier included) under AddressSanitizer and
+# UndefinedBehaviorSanitizer, a brief run of each fuzz target, and the threads test under
+# ThreadSanitizer.
 # Usage: scripts/clang-checks.sh [fuzz seconds per target, default 8]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 fuzz_seconds=${1:-8}
 bash scripts/deps.sh clang libclang-rt-14-dev
 
-CC=clang CXX=clang++ bash scripts/test.sh build/ci-clang -DQX_SANITIZE=address,undefined -DQX_FUZZ=ON
-QX_FUZZ_BUILD=build/ci-clang bash scripts/fuzz.sh "$fuzz_seconds"
+CC=clang CXX=clang++ bash scripts/test.sh build/ci-clang -DQX_SANITIZE=address,undefined
+QX_FUZZ_BUILD=build/ci-fuzz bash scripts/fuzz.sh "$fuzz_seconds"
 
 cmake --preset tsan -B build/ci-tsan >/dev/null
 cmake --build build/ci-tsan -j "$(nproc)" --target qxpixlib_tests

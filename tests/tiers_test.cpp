@@ -1,6 +1,7 @@
 // The tier cap, QXPIXLIB_MAX_ISA: its names, and the form every export chose under the cap this
-// process runs with. CTest runs the whole suite once per tier with the cap set (CMakeLists.txt), so
-// each tier's forms are proven through the exports as a host on such a processor calls them.
+// process runs with. CTest runs the suite's export tests once per tier with the cap set
+// (CMakeLists.txt), so each tier's forms are proven through the exports as a host on such a
+// processor calls them.
 #include <gtest/gtest.h>
 
 #include <cctype>
