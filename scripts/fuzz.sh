@@ -35,6 +35,10 @@ for t in "${targets[@]}"; do
   fi
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
   rate=$(sed -n 's/^stat::average_exec_per_sec: *//p' "$log" | tail -n 1)
+  if [ -z "$runs" ]; then  # -fork prints no final stats: take its last progress line
+    last=$(sed -nE 's/^#([0-9]+):? .*exec\/s:? ([0-9]+).*/\1 \2/p' "$log" | tail -n 1)
+    runs=${last% *} rate=${last#* }
+  fi
   cov=$(grep -o 'cov: [0-9]*' "$log" | tail -n 1)
   echo "fuzz: $t ${seconds}s, ${runs:-?} runs, ${rate:-?} exec/s, ${cov:-cov: ?}"
 done
