@@ -169,7 +169,7 @@ std::vector<BenchRow> run_bench(double millis,
         },
         millis);
     rows.push_back({k.kernel, std::string(tier_name(chosen_tier(k.kernel))), k.job, k.pixels / ns,
-                    memcpy_ns / ns});
+                    ns / memcpy_ns});
   }
   return rows;
 }
@@ -177,12 +177,12 @@ std::vector<BenchRow> run_bench(double millis,
 std::string bench_table(const std::vector<BenchRow>& rows) {
   std::ostringstream out;
   char line[160];
-  std::snprintf(line, sizeof line, "%-18s %-10s %-24s %8s %9s\n", "kernel", "form", "job", "Gpx/s",
-                "x memcpy");
+  std::snprintf(line, sizeof line, "%-18s %-10s %-24s %8s %11s\n", "kernel", "form", "job", "Gpx/s",
+                "time/memcpy");
   out << line;
   for (const BenchRow& r : rows) {
-    std::snprintf(line, sizeof line, "%-18s %-10s %-24s %8.2f %9.2f\n", r.kernel.c_str(),
-                  r.form.c_str(), r.job.c_str(), r.gpx, r.vs_memcpy);
+    std::snprintf(line, sizeof line, "%-18s %-10s %-24s %8.2f %11.2f\n", r.kernel.c_str(),
+                  r.form.c_str(), r.job.c_str(), r.gpx, r.time_memcpy);
     out << line;
   }
   return out.str();
@@ -218,7 +218,7 @@ void plot_bench(const std::string& path, const std::vector<BenchRow>& rows) {
          << "$data << EOD\n";
   for (const BenchRow& r : rows)
     script << '"' << r.kernel.substr(3) << " (" << r.form << ")\" " << r.gpx << ' '
-           << r.gpx / r.vs_memcpy << '\n';
+           << r.gpx * r.time_memcpy << '\n';
   script << "EOD\nplot $data using 2:xtic(1) title 'kernel', '' using 3 title 'memcpy'\n";
   FILE* gp = popen("gnuplot", "w");
   if (!gp) throw Failure(path, "cannot run gnuplot");

@@ -14,7 +14,8 @@ struct BenchRow {
   std::string form;    // the form the library runs here (see tiers.h)
   std::string job;     // what one call does, e.g. "1920 px line"
   double gpx;          // output pixels per nanosecond (10^9 pixels per second)
-  double vs_memcpy;    // memcpy's time for the output bytes / the kernel's time
+  double
+      time_memcpy;  // the kernel's time / memcpy's time for the same output bytes (lower: faster)
 };
 
 // `millis` is the time spent measuring each row (five batches of the kernel and five of memcpy,
