@@ -5,9 +5,9 @@
 //   - count / kGroup whole groups (signed division: count <= 0 runs none), then the tail of the
 //     remaining count % kGroup pixels through the same arithmetic, writing exactly those pixels;
 //   - the tail reads only the pixels of the line, never past pixel count - 1;
-//   - mask lines are read a whole group of kGroup bytes at a time, also in the tail, so a mask must
-//     be readable up to the next multiple of kGroup pixels; a negative count that is not a
-//     multiple of kGroup still reads the first group of mask bytes and writes nothing;
+//   - count <= 0 reads and writes nothing at all;
+//   - a mask is read only at the line's pixels (callers must still make it readable up to the next
+//     whole group of kGroup pixels, as the contract has always asked);
 //   - every input of a group is read before its output is stored, so dst may be the very same
 //     pointer as any input line;
 //   - the blend families' tail pairing (TailPairing::kLastFg): when count % kGroup == 2, the first
@@ -77,13 +77,6 @@ constexpr std::int32_t in1_index(std::int32_t i, std::int32_t n) noexcept {
     return i;
 }
 
-// A negative count that is not a multiple of kGroup still reads its first group of mask bytes:
-// the mask contract is the same for every count.
-inline void touch_mask_group(const std::uint8_t* mask) noexcept {
-  const volatile std::uint8_t* m = mask;
-  for (std::int32_t k = 0; k < kGroup; ++k) static_cast<void>(m[k]);
-}
-
 }  // namespace frame_detail
 
 // Scalar frame: px(in0?, in1?, mask?) -> output pixel, for each pixel in order. Pixel i reads
@@ -92,9 +85,6 @@ inline void touch_mask_group(const std::uint8_t* mask) noexcept {
 template <class S, class PxFn>
 inline void scalar_line(const Lines& l, PxFn&& px) {
   const std::int32_t n = l.count;
-  if constexpr (S::kMask) {
-    if (n < 0 && n % kGroup != 0) frame_detail::touch_mask_group(l.mask);
-  }
   for (std::int32_t i = 0; i < n; ++i) {
     const std::uint32_t a = S::kInputs > 0 ? load_px(l.in0 + i) : 0u;
     const std::uint32_t b = S::kInputs > 1 ? load_px(l.in1 + frame_detail::in1_index<S>(i, n)) : 0u;
@@ -104,49 +94,56 @@ inline void scalar_line(const Lines& l, PxFn&& px) {
 }
 
 // Vector frame over V (see simd/): grp(in0?, in1?, mask?) -> V::Px, where the pixel inputs are
-// V::Px vectors of V::kPixels pixels and mask points at V::kPixels mask bytes.
-// Whole groups go through full vectors; what is left (fewer than V::kPixels pixels: the whole
-// groups that do not fill a vector, then the count % kGroup tail) goes through one more vector
-// gathered from the line into zeroed scratch, so the tail uses exactly the body's arithmetic.
+// V::Px vectors of V::kPixels pixels and the mask is their V::kPixels bytes as V::Bytes.
+// Whole vectors go through full loads and stores. What does not fill one goes through the same
+// arithmetic on a partial vector that reads and writes only its pixels (V::load_n / V::store_n):
+//   - a head, when the line is long enough, that brings dst to a multiple of V::kStoreAlign bytes,
+//     so that no store of the body splits a cache line;
+//   - the tail, the last one or two partial vectors; with the tail pairing, the vector holding
+//     pixel count - 2 takes the last pixel of in1 in that lane (in1[count - 2] is not read).
 template <class V, class S, class GroupFn>
 inline void vector_line(const Lines& l, GroupFn&& grp) {
+  using Px = typename V::Px;
+  using Bytes = typename V::Bytes;
   constexpr std::int32_t W = V::kPixels;
   static_assert(W % kGroup == 0, "a vector holds whole groups");
   const std::int32_t n = l.count;
-  const std::int32_t whole = n / kGroup * kGroup;  // pixels in whole groups; <= 0 if n < kGroup
-  const std::int32_t vectors = whole > 0 ? whole / W : 0;
+  if (n <= 0) return;
+
+  const auto whole = [&](std::int32_t i) {
+    Px a = V::zero(), b = V::zero();
+    Bytes m = V::zero();
+    if constexpr (S::kInputs > 0) a = V::load(l.in0 + i);
+    if constexpr (S::kInputs > 1) b = V::load(l.in1 + i);
+    if constexpr (S::kMask) m = V::load_bytes(l.mask + i);
+    V::store(l.dst + i, frame_detail::apply<S>(grp, a, b, m));
+  };
+  const bool paired = S::kPairing == TailPairing::kLastFg && n % kGroup == 2;
+  const auto part = [&](std::int32_t i, std::int32_t len) {  // pixels [i, i + len), len <= W
+    Px a = V::zero(), b = V::zero();
+    Bytes m = V::zero();
+    if constexpr (S::kInputs > 0) a = V::load_n(l.in0 + i, len, 0);
+    if constexpr (S::kInputs > 1) {
+      const std::int32_t lane = n - 2 - i;  // of pixel n - 2
+      if (paired && lane >= 0 && lane < len)
+        b = V::load_n(l.in1 + i, lane, load_px(l.in1 + n - 1));
+      else
+        b = V::load_n(l.in1 + i, len, 0);
+    }
+    if constexpr (S::kMask) m = V::load_bytes_n(l.mask + i, len);
+    V::store_n(l.dst + i, frame_detail::apply<S>(grp, a, b, m), len);
+  };
 
   std::int32_t i = 0;
-  for (std::int32_t k = 0; k < vectors; ++k, i += W) {
-    const auto a = S::kInputs > 0 ? V::load(l.in0 + i) : V::zero();
-    const auto b = S::kInputs > 1 ? V::load(l.in1 + i) : V::zero();
-    V::store(l.dst + i, frame_detail::apply<S>(grp, a, b, S::kMask ? l.mask + i : nullptr));
-  }
-
-  const std::int32_t rest = n - i;  // 0 <= rest < W when n > 0
-  if (rest > 0) {
-    alignas(64) std::uint32_t a[W] = {};
-    alignas(64) std::uint32_t b[W] = {};
-    alignas(64) std::uint32_t out[W];
-    alignas(64) std::uint8_t m[W] = {};
-    if constexpr (S::kInputs > 0) std::memcpy(a, l.in0 + i, sizeof(std::uint32_t) * rest);
-    if constexpr (S::kInputs > 1) {
-      if (S::kPairing == TailPairing::kLastFg && n % kGroup == 2) {
-        std::memcpy(b, l.in1 + i, sizeof(std::uint32_t) * (rest - 2));
-        b[rest - 2] = b[rest - 1] = load_px(l.in1 + n - 1);
-      } else {
-        std::memcpy(b, l.in1 + i, sizeof(std::uint32_t) * rest);
-      }
+  if constexpr (V::kStoreAlign > sizeof(std::uint32_t)) {
+    const std::uintptr_t off = reinterpret_cast<std::uintptr_t>(l.dst) % V::kStoreAlign;
+    if (n >= 2 * W && off % sizeof(std::uint32_t) == 0 && off != 0) {
+      i = static_cast<std::int32_t>((V::kStoreAlign - off) / sizeof(std::uint32_t));
+      part(0, i);  // i < W <= n - 2: never pixel n - 2
     }
-    if constexpr (S::kMask) {
-      const std::int32_t groups = (rest + kGroup - 1) / kGroup;
-      std::memcpy(m, l.mask + i, static_cast<std::size_t>(groups * kGroup));
-    }
-    V::store(out, frame_detail::apply<S>(grp, V::load(a), V::load(b), +m));
-    std::memcpy(l.dst + i, out, sizeof(std::uint32_t) * rest);
-  } else if constexpr (S::kMask) {
-    if (n < 0 && n % kGroup != 0) frame_detail::touch_mask_group(l.mask);
   }
+  for (const std::int32_t end = paired ? n - 2 : n; i + W <= end; i += W) whole(i);
+  for (; i < n; i += W) part(i, n - i < W ? n - i : W);
 }
 
 }  // namespace QX_UNIT_NS
