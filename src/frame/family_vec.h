@@ -24,40 +24,41 @@ inline void vector_family_line(std::uint32_t* dst, const std::uint32_t* bg, cons
                                const std::uint8_t* lut, std::uint32_t opacity) {
   using Px = typename V::Px;
   const Px t = V::set16(clamp256(opacity));  // T in every lane, for the whole call
-  // _mlt: the table with T folded in, lut[m] * T / 256 (exact: at most 65280 before the shift),
-  // built once per call, so that each pixel's factor is one lookup.
-  struct NoTable {};
-  alignas(64) std::uint8_t scaled[kW == Weight::kLutOpacity ? 256 : 1];
-  const auto table = [&] {
-    if constexpr (kW == Weight::kLutOpacity) {
-      static_assert(256 % (4 * V::kPixels) == 0, "whole vectors of table bytes");
-      for (std::int32_t k = 0; k < 256; k += 4 * V::kPixels) {
-        const Px x = V::load(lut + k);
-        V::store(scaled + k,
-                 V::pack(V::mulhi_u16(V::widen_lo(x), t), V::mulhi_u16(V::widen_hi(x), t)));
-      }
-      return V::load_table(scaled);
-    } else {
-      return NoTable{};
-    }
-  }();
-  vector_line<V, FamilyShape<kW>>(Lines{dst, bg, fg, mask, count}, [&](Px b, Px f,
-                                                                       auto... mask_bytes) {
-    // w = fg.a * f / 256 in both halves of each pixel, as the high half of a 16-bit product of
-    // one factor as x * 256 and the other as x; likewise m * T / 256 for _mt.
+  const auto group = [&](Px b, Px f, auto... mask_bytes) {
+    // w = fg.a * f / 256 in both halves of each pixel, as the high half of a 16-bit product of one
+    // factor as x * 256 and the other as x; likewise m * T / 256 for _mt.
     Px w = V::alpha_words(f);
     if constexpr (kW == Weight::kOpacity) {
       w = V::mulhi_u16(V::alpha_words_hi(f), t);
-    } else if constexpr (kW == Weight::kMask) {
+    } else if constexpr (kW == Weight::kMask || kW == Weight::kLutOpacity) {
       ((w = V::mulhi_u16(w, V::words_of_bytes_hi(mask_bytes))), ...);
     } else if constexpr (kW == Weight::kMaskOpacity) {
       ((w = V::mulhi_u16(V::alpha_words_hi(f), V::mulhi_u16(V::words_of_bytes_hi(mask_bytes), t))),
        ...);
-    } else if constexpr (kW == Weight::kLutOpacity) {
-      ((w = V::mulhi_u16(w, V::words_of_bytes_hi(V::lookup(table, mask_bytes)))), ...);
     }
     return Arith::template group<V>(b, f, w);
-  });
+  };
+  const Lines lines{dst, bg, fg, mask, count};
+  if constexpr (kW == Weight::kLutOpacity) {
+    // _mlt: the table with T folded in, lut[m] * T / 256 (exact: at most 65280 before the shift),
+    // built once per call; the frame maps the mask through it, whole vectors of bytes per lookup,
+    // and the groups take the _m arithmetic on the mapped bytes.
+    constexpr std::int32_t kBytes = sizeof(Px);
+    static_assert(256 % kBytes == 0, "whole vectors of table bytes");
+    alignas(64) std::uint8_t scaled[256];
+    for (std::int32_t k = 0; k < 256; k += kBytes) {
+      const Px x = V::load(lut + k);
+      V::store(scaled + k,
+               V::pack(V::mulhi_u16(V::widen_lo(x), t), V::mulhi_u16(V::widen_hi(x), t)));
+    }
+    const auto table = V::load_table(scaled);
+    vector_line<V, FamilyShape<kW>>(lines, group,
+                                    [&](const std::uint8_t* in, std::uint8_t* out, std::int32_t n) {
+                                      V::map_bytes(table, in, out, n);
+                                    });
+  } else {
+    vector_line<V, FamilyShape<kW>>(lines, group);
+  }
 }
 
 }  // namespace QX_UNIT_NS

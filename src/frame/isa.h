@@ -52,10 +52,10 @@ auto chosen() noexcept {
 // into namespace qx::<set> (see src/CMakeLists.txt). QX_FOR_EACH_VECTOR_ISA(M, args...) expands
 // M(namespace, Isa enumerator, args...) for each such set, in ascending order.
 #if QX_X86
-#define QX_FOR_EACH_VECTOR_ISA(M, ...)                        \
-  M(sse2, kSse2, __VA_ARGS__)                                 \
-  M(avx2, kAvx2, __VA_ARGS__) M(avx512, kAvx512, __VA_ARGS__) \
-      M(avx512vbmi, kAvx512Vbmi, __VA_ARGS__)
+#define QX_FOR_EACH_VECTOR_ISA(M, ...) \
+  M(sse2, kSse2, __VA_ARGS__)          \
+  M(avx2, kAvx2, __VA_ARGS__)          \
+  M(avx512, kAvx512, __VA_ARGS__) M(avx512vbmi, kAvx512Vbmi, __VA_ARGS__)
 #else
 #define QX_FOR_EACH_VECTOR_ISA(M, ...)
 #endif

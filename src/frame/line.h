@@ -18,6 +18,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "frame/pixel.h"
 #include "frame/unit.h"
@@ -93,6 +94,9 @@ inline void scalar_line(const Lines& l, PxFn&& px) {
   }
 }
 
+// No mapping of mask bytes: vector_line reads the mask as it is.
+struct SameMask {};
+
 // Vector frame over V (see simd/): grp(in0?, in1?, mask?) -> V::Px, where the pixel inputs are
 // V::Px vectors of V::kPixels pixels and the mask is their V::kPixels bytes as V::Bytes.
 // Whole vectors go through full loads and stores. What does not fill one goes through the same
@@ -101,21 +105,36 @@ inline void scalar_line(const Lines& l, PxFn&& px) {
 //     so that no store of the body splits a cache line;
 //   - the tail, the last one or two partial vectors; with the tail pairing, the vector holding
 //     pixel count - 2 takes the last pixel of in1 in that lane (in1[count - 2] is not read).
-template <class V, class S, class GroupFn>
-inline void vector_line(const Lines& l, GroupFn&& grp) {
+// With a mask map, map(in, out, n) maps n mask bytes into a buffer of the frame's, a chunk of
+// whole vectors at a time, and the groups see the mapped bytes.
+template <class V, class S, class GroupFn, class MaskMap = SameMask>
+inline void vector_line(const Lines& l, GroupFn&& grp, MaskMap&& map = {}) {
   using Px = typename V::Px;
   using Bytes = typename V::Bytes;
   constexpr std::int32_t W = V::kPixels;
   static_assert(W % kGroup == 0, "a vector holds whole groups");
+  constexpr bool kMapped = !std::is_same_v<std::remove_cvref_t<MaskMap>, SameMask>;
+  constexpr std::int32_t kChunk = kMapped ? 32 * W : 0;  // pixels mapped at a time
   const std::int32_t n = l.count;
   if (n <= 0) return;
 
-  const auto whole = [&](std::int32_t i) {
+  alignas(64) std::uint8_t mapped[kMapped ? kChunk : 1];
+  // The mask bytes of pixels [i, i + len), mapped if the kernel maps them.
+  const auto mask_at = [&](std::int32_t i, std::int32_t len) {
+    if constexpr (kMapped) {
+      map(l.mask + i, mapped, len);
+      return static_cast<const std::uint8_t*>(mapped);
+    } else {
+      static_cast<void>(len);
+      return l.mask + i;
+    }
+  };
+  const auto whole = [&](std::int32_t i, const std::uint8_t* mask) {
     Px a = V::zero(), b = V::zero();
     Bytes m = V::zero();
     if constexpr (S::kInputs > 0) a = V::load(l.in0 + i);
     if constexpr (S::kInputs > 1) b = V::load(l.in1 + i);
-    if constexpr (S::kMask) m = V::load_bytes(l.mask + i);
+    if constexpr (S::kMask) m = V::load_bytes(mask);
     V::store(l.dst + i, frame_detail::apply<S>(grp, a, b, m));
   };
   const bool paired = S::kPairing == TailPairing::kLastFg && n % kGroup == 2;
@@ -130,7 +149,7 @@ inline void vector_line(const Lines& l, GroupFn&& grp) {
       else
         b = V::load_n(l.in1 + i, len, 0);
     }
-    if constexpr (S::kMask) m = V::load_bytes_n(l.mask + i, len);
+    if constexpr (S::kMask) m = V::load_bytes_n(mask_at(i, len), len);
     V::store_n(l.dst + i, frame_detail::apply<S>(grp, a, b, m), len);
   };
 
@@ -142,7 +161,17 @@ inline void vector_line(const Lines& l, GroupFn&& grp) {
       part(0, i);  // i < W <= n - 2: never pixel n - 2
     }
   }
-  for (const std::int32_t end = paired ? n - 2 : n; i + W <= end; i += W) whole(i);
+  const std::int32_t end = paired ? n - 2 : n;
+  if constexpr (kMapped) {
+    while (i + W <= end) {
+      const std::int32_t len = end - i < kChunk ? (end - i) / W * W : kChunk;
+      const std::uint8_t* m = mask_at(i, len);
+      for (std::int32_t k = 0; k < len; k += W) whole(i + k, m + k);
+      i += len;
+    }
+  } else {
+    for (; i + W <= end; i += W) whole(i, S::kMask ? l.mask + i : nullptr);
+  }
   for (; i < n; i += W) part(i, n - i < W ? n - i : W);
 }
 

@@ -18,6 +18,7 @@ inline namespace QX_UNIT_NS {
 
 struct V {
   using Px = __m256i;
+  static constexpr std::int32_t kBytes = sizeof(Px);
   static constexpr std::int32_t kPixels = 8;
 
   static Px load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
@@ -126,16 +127,31 @@ struct V {
     const std::uint8_t* t;
   };
   static Table load_table(const std::uint8_t* t) { return {t}; }
-  static Bytes lookup(const Table& t, Bytes b) {
-    const __m128i q = _mm256_castsi256_si128(b);
-    const auto lo = static_cast<std::uint32_t>(_mm_cvtsi128_si32(q));
-    const auto hi = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_srli_si128(q, 4)));
-    const auto map = [&](std::uint32_t v) {
-      return static_cast<int>(
-          std::uint32_t{t.t[v & 0xFF]} | std::uint32_t{t.t[v >> 8 & 0xFF]} << 8 |
-          std::uint32_t{t.t[v >> 16 & 0xFF]} << 16 | std::uint32_t{t.t[v >> 24]} << 24);
+  static void map_bytes(const Table& t, const std::uint8_t* in, std::uint8_t* out, std::int32_t n) {
+    std::int32_t k = 0;
+    for (; k + kBytes <= n; k += kBytes) store(out + k, lookup(t, load(in + k)));
+    for (; k < n; ++k) out[k] = t.t[in[k]];
+  }
+  // Sixteen byte shuffles, one per 16-entry slice of the table, on the low nibble. A shuffle gives
+  // zero where bit 7 of its index is set, so slices s and s + 8 pair up with bit 7 flipped for the
+  // second; bits 4 to 6 then pick among the eight pairs, one bit at a time (moved to bit 7 by a
+  // shift).
+  static Px lookup(const Table& t, Px x) {
+    const Px i0 = _mm256_and_si256(x, _mm256_set1_epi8(static_cast<char>(0x8F)));
+    const Px i1 = _mm256_xor_si256(i0, _mm256_set1_epi8(static_cast<char>(0x80)));
+    const auto slice = [&](int s) {
+      return _mm256_broadcastsi128_si256(
+          _mm_loadu_si128(reinterpret_cast<const __m128i*>(t.t + 16 * s)));
     };
-    return _mm256_broadcastq_epi64(_mm_setr_epi32(map(lo), map(hi), 0, 0));
+    Px r[8];
+    for (int p = 0; p < 8; ++p)
+      r[p] =
+          _mm256_or_si256(_mm256_shuffle_epi8(slice(p), i0), _mm256_shuffle_epi8(slice(p + 8), i1));
+    for (int bit = 4, n = 8; bit < 7; ++bit, n /= 2) {
+      const Px pick = _mm256_slli_epi16(x, 7 - bit);
+      for (int k = 0; k < n / 2; ++k) r[k] = _mm256_blendv_epi8(r[2 * k], r[2 * k + 1], pick);
+    }
+    return r[0];
   }
 
   static Px alpha_words(Px x) { return bytes_by(x, 3, -1, 3, -1); }

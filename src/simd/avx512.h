@@ -17,6 +17,7 @@ inline namespace QX_UNIT_NS {
 
 struct V {
   using Px = __m512i;
+  static constexpr std::int32_t kBytes = sizeof(Px);
   static constexpr std::int32_t kPixels = 16;
 
   static Px load(const void* p) { return _mm512_loadu_si512(p); }
@@ -106,13 +107,32 @@ struct V {
   }
   struct Table {
     const std::uint8_t* t;
+    Px slice[16];  // entries 16 s to 16 s + 15 in every 128-bit lane
   };
-  static Table load_table(const std::uint8_t* t) { return {t}; }
-  static Bytes lookup(const Table& t, Bytes b) {
-    alignas(16) std::uint8_t v[16];
-    _mm_store_si128(reinterpret_cast<__m128i*>(v), _mm512_castsi512_si128(b));
-    for (std::uint8_t& x : v) x = t.t[x];
-    return load_bytes(v);
+  static Table load_table(const std::uint8_t* t) {
+    Table table{t, {}};
+    for (int s = 0; s < 16; ++s) table.slice[s] = load_bytes(t + 16 * s);
+    return table;
+  }
+  static void map_bytes(const Table& t, const std::uint8_t* in, std::uint8_t* out, std::int32_t n) {
+    std::int32_t k = 0;
+    for (; k + kBytes <= n; k += kBytes) store(out + k, lookup(t, load(in + k)));
+    for (; k < n; ++k) out[k] = t.t[in[k]];
+  }
+  // As on AVX2 (simd/avx2.h): sixteen 16-entry slices paired on bit 7, then bits 4 to 6.
+  static Px lookup(const Table& t, Px x) {
+    const Px i0 = _mm512_and_si512(x, _mm512_set1_epi8(static_cast<char>(0x8F)));
+    const Px i1 = _mm512_xor_si512(i0, _mm512_set1_epi8(static_cast<char>(0x80)));
+    Px r[8];
+    for (int p = 0; p < 8; ++p)
+      r[p] = _mm512_or_si512(_mm512_shuffle_epi8(t.slice[p], i0),
+                             _mm512_shuffle_epi8(t.slice[p + 8], i1));
+    for (int bit = 4, n = 8; bit < 7; ++bit, n /= 2) {
+      const __mmask64 pick =
+          _mm512_test_epi8_mask(x, _mm512_set1_epi8(static_cast<char>(1 << bit)));
+      for (int k = 0; k < n / 2; ++k) r[k] = _mm512_mask_blend_epi8(pick, r[2 * k], r[2 * k + 1]);
+    }
+    return r[0];
   }
 
   static Px alpha_words(Px x) { return bytes_by(x, 3, -1, 3, -1); }

@@ -141,17 +141,23 @@ struct V {
     const Px w = _mm_unpacklo_epi8(_mm_setzero_si128(), b);  // m0 m1 m2 m3 * 256
     return _mm_unpacklo_epi16(w, w);
   }
-  // A 256-byte table, and each byte of b mapped through it.
+  // A 256-byte table (which must outlive it), and n bytes mapped through it.
   struct Table {
     const std::uint8_t* t;
   };
   static Table load_table(const std::uint8_t* t) { return {t}; }
-  static Bytes lookup(const Table& t, Bytes b) {
-    const auto v = static_cast<std::uint32_t>(_mm_cvtsi128_si32(b));
-    const std::uint32_t m = std::uint32_t{t.t[v & 0xFF]} | std::uint32_t{t.t[v >> 8 & 0xFF]} << 8 |
-                            std::uint32_t{t.t[v >> 16 & 0xFF]} << 16 |
-                            std::uint32_t{t.t[v >> 24]} << 24;
-    return _mm_cvtsi32_si128(static_cast<int>(m));
+  // A scalar loop (the table read through volatile: vectorisers turn it into a byte gather
+  // emulated at many times the cost), four bytes to a store so load_bytes finds them in one.
+  static void map_bytes(const Table& t, const std::uint8_t* in, std::uint8_t* out, std::int32_t n) {
+    const volatile std::uint8_t* tv = t.t;
+    std::int32_t k = 0;
+    for (; k + 4 <= n; k += 4) {
+      const std::uint32_t w = std::uint32_t{tv[in[k]]} | std::uint32_t{tv[in[k + 1]]} << 8 |
+                              std::uint32_t{tv[in[k + 2]]} << 16 |
+                              std::uint32_t{tv[in[k + 3]]} << 24;
+      std::memcpy(out + k, &w, sizeof w);
+    }
+    for (; k < n; ++k) out[k] = tv[in[k]];
   }
 
   // Each pixel's alpha zero-extended into both 16-bit halves of the pixel: 0x00AA00AA.
