@@ -48,6 +48,7 @@ struct V {
   }
 
   static Px add16(Px a, Px b) { return _mm256_add_epi16(a, b); }
+  static Px add32(Px a, Px b) { return _mm256_add_epi32(a, b); }
   static Px sub16(Px a, Px b) { return _mm256_sub_epi16(a, b); }
   static Px adds_u16(Px a, Px b) { return _mm256_adds_epu16(a, b); }
   static Px subs_u16(Px a, Px b) { return _mm256_subs_epu16(a, b); }
@@ -158,6 +159,22 @@ struct V {
   static Px alpha_words_hi(Px x) { return bytes_by(x, -1, 3, -1, 3); }
   static Px alpha_bytes(Px x) { return bytes_by(x, 3, 3, 3, 3); }
   static Px dup_lo16(Px x) { return bytes_by(x, 0, 1, 0, 1); }
+  template <int b0, int b1, int b2, int b3>
+  static Px pixel_bytes(Px x) {
+    return bytes_by(x, b0, b1, b2, b3);
+  }
+  static Px pack_words(Px even, Px odd) {  // e0..e7 o0..o7 per 128-bit lane, then interleaved
+    return _mm256_shuffle_epi8(
+        _mm256_packus_epi16(even, odd),
+        _mm256_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15, 0, 8, 1, 9, 2, 10, 3,
+                         11, 4, 12, 5, 13, 6, 14, 7, 15));
+  }
+  static Px pack_channels(Px c0, Px c1, Px c2, Px c3) {  // c0 c2 c1 c3 per lane, then by pixel
+    const Px w = _mm256_packus_epi16(_mm256_packs_epi32(c0, c2), _mm256_packs_epi32(c1, c3));
+    return _mm256_shuffle_epi8(
+        w, _mm256_setr_epi8(0, 8, 4, 12, 1, 9, 5, 13, 2, 10, 6, 14, 3, 11, 7, 15, 0, 8, 4, 12, 1, 9,
+                            5, 13, 2, 10, 6, 14, 3, 11, 7, 15));
+  }
   // (Byte blends take the top bit of each byte of m.)
   static Px select(Px m, Px a, Px b) { return _mm256_blendv_epi8(b, a, m); }
   // See simd/sse2.h.

@@ -47,6 +47,7 @@ struct V {
   }
 
   static Px add16(Px a, Px b) { return _mm512_add_epi16(a, b); }
+  static Px add32(Px a, Px b) { return _mm512_add_epi32(a, b); }
   static Px sub16(Px a, Px b) { return _mm512_sub_epi16(a, b); }
   static Px adds_u16(Px a, Px b) { return _mm512_adds_epu16(a, b); }
   static Px subs_u16(Px a, Px b) { return _mm512_subs_epu16(a, b); }
@@ -139,6 +140,18 @@ struct V {
   static Px alpha_words_hi(Px x) { return bytes_by(x, -1, 3, -1, 3); }
   static Px alpha_bytes(Px x) { return bytes_by(x, 3, 3, 3, 3); }
   static Px dup_lo16(Px x) { return bytes_by(x, 0, 1, 0, 1); }
+  template <int b0, int b1, int b2, int b3>
+  static Px pixel_bytes(Px x) {
+    return bytes_by(x, b0, b1, b2, b3);
+  }
+  static Px pack_words(Px even, Px odd) {  // e0..e7 o0..o7 per 128-bit lane, then interleaved
+    return _mm512_shuffle_epi8(_mm512_packus_epi16(even, odd),
+                               lane_bytes(0x09010800, 0x0B030A02, 0x0D050C04, 0x0F070E06));
+  }
+  static Px pack_channels(Px c0, Px c1, Px c2, Px c3) {  // c0 c2 c1 c3 per lane, then by pixel
+    const Px w = _mm512_packus_epi16(_mm512_packs_epi32(c0, c2), _mm512_packs_epi32(c1, c3));
+    return _mm512_shuffle_epi8(w, lane_bytes(0x0C040800, 0x0D050901, 0x0E060A02, 0x0F070B03));
+  }
   static Px select(Px m, Px a, Px b) { return _mm512_ternarylogic_epi32(m, a, b, 0xCA); }
   // See simd/sse2.h; the estimate has 14 bits, the Newton step is fused.
   static Px reciprocal_pairs(Px x) {
@@ -160,8 +173,12 @@ struct V {
                               static_cast<std::uint32_t>(at(b2, px)) << 16 |
                               static_cast<std::uint32_t>(at(b3, px)) << 24);
     };
-    const __m128i lane = _mm_setr_epi32(pixel(0), pixel(1), pixel(2), pixel(3));
-    return _mm512_shuffle_epi8(x, _mm512_broadcast_i32x4(lane));
+    return _mm512_shuffle_epi8(x, lane_bytes(pixel(0), pixel(1), pixel(2), pixel(3)));
+  }
+  // The same sixteen bytes (four 32-bit words) in every 128-bit lane.
+  static Px lane_bytes(std::uint32_t w0, std::uint32_t w1, std::uint32_t w2, std::uint32_t w3) {
+    return _mm512_broadcast_i32x4(_mm_setr_epi32(static_cast<int>(w0), static_cast<int>(w1),
+                                                 static_cast<int>(w2), static_cast<int>(w3)));
   }
 };
 

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "frame/pixel.h"
 #include "frame/unit.h"
@@ -62,6 +63,7 @@ struct V {
 
   // ---- 16-bit lane arithmetic ----
   static Px add16(Px a, Px b) { return _mm_add_epi16(a, b); }
+  static Px add32(Px a, Px b) { return _mm_add_epi32(a, b); }
   static Px sub16(Px a, Px b) { return _mm_sub_epi16(a, b); }
   static Px adds_u16(Px a, Px b) { return _mm_adds_epu16(a, b); }
   static Px subs_u16(Px a, Px b) { return _mm_subs_epu16(a, b); }
@@ -178,6 +180,30 @@ struct V {
   }
   // The low 16 bits of each 32-bit lane in both of its halves.
   static Px dup_lo16(Px x) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(x, 0xA0), 0xA0); }
+  // Byte k of each pixel takes byte bk of the same pixel (-1: zero). Bytes that move by the same
+  // distance move together: a shift and a mask each.
+  template <int b0, int b1, int b2, int b3>
+  static Px pixel_bytes(Px x) {
+    return [&]<int... i>(std::integer_sequence<int, i...>) {
+      Px r = _mm_setzero_si128();
+      ((r = _mm_or_si128(r, moved<i - 3, moving<b0, b1, b2, b3>(i - 3)>(x))), ...);
+      return r;
+    }
+    (std::make_integer_sequence<int, 7>{});
+  }
+  // Two vectors of signed 16-bit halves, bytes 0 and 2 of each pixel (even) and bytes 1 and 3
+  // (odd), to pixels, each value saturated to 0..255.
+  static Px pack_words(Px even, Px odd) {
+    const Px p = _mm_packus_epi16(even, odd);  // e0..e7 o0..o7
+    return _mm_unpacklo_epi8(p, _mm_srli_si128(p, 8));
+  }
+  // Four vectors of one signed 32-bit value per pixel, channels 0 to 3, to pixels, each value
+  // saturated to 0..255.
+  static Px pack_channels(Px c0, Px c1, Px c2, Px c3) {
+    const Px w = _mm_packus_epi16(_mm_packs_epi32(c0, c2), _mm_packs_epi32(c1, c3));  // c0 c2 c1 c3
+    const Px x = _mm_unpacklo_epi8(w, _mm_srli_si128(w, 8));  // (c0 c1) per pixel, then (c2 c3)
+    return _mm_unpacklo_epi16(x, _mm_srli_si128(x, 8));
+  }
   // a where m is set, b elsewhere (every byte of m is 0x00 or 0xFF).
   static Px select(Px m, Px a, Px b) {
     return _mm_or_si128(_mm_and_si128(m, a), _mm_andnot_si128(m, b));
@@ -191,6 +217,27 @@ struct V {
     const __m128 r0 = _mm_rcp_ps(a);
     const __m128 r1 = _mm_mul_ps(r0, _mm_sub_ps(_mm_set1_ps(2.0f), _mm_mul_ps(a, r0)));
     return dup_lo16(_mm_cvttps_epi32(_mm_mul_ps(r1, _mm_set1_ps(65535.5f))));
+  }
+
+ private:
+  // The bytes k of a pixel that take byte k - d under pixel_bytes<b0, b1, b2, b3>.
+  template <int b0, int b1, int b2, int b3>
+  static constexpr std::uint32_t moving(int d) {
+    const int src[4] = {b0, b1, b2, b3};
+    std::uint32_t m = 0;
+    for (int k = 0; k < 4; ++k)
+      if (src[k] >= 0 && k - src[k] == d) m |= 0xFFu << (8 * k);
+    return m;
+  }
+  // The bytes of each pixel moved up by d bytes (down if d < 0), those outside kKeep cleared.
+  template <int d, std::uint32_t kKeep>
+  static Px moved(Px x) {
+    if constexpr (kKeep == 0) return _mm_setzero_si128();
+    if constexpr (d > 0) x = _mm_slli_epi32(x, 8 * d);
+    if constexpr (d < 0) x = _mm_srli_epi32(x, -8 * d);
+    constexpr std::uint32_t kFilled = d >= 0 ? ~0u << (8 * d) : ~0u >> (-8 * d);
+    if constexpr (kKeep == kFilled) return x;
+    return _mm_and_si128(x, _mm_set1_epi32(static_cast<int>(kKeep)));
   }
 };
 
