@@ -15,17 +15,14 @@ struct SblendArith {
     const Px aout = V::add16(f, V::mulhi_u16(V::alpha_words_hi(bg), V::sub16(V::set16(255), f)));
     // K = ReciprocalTable[Aout] * F / 256; the product is at most 65535 because F <= Aout.
     const Px k = V::srl16(V::mullo16(V::reciprocal_pairs(aout), f), 8);
-    // bg + floor(K * (fg - bg) / 256) in the low byte of each 16-bit lane, bytes 0 and 2 in one
-    // vector and bytes 1 and 3 in another: the wrapped 16-bit product shifted logically differs
-    // from the floor by a multiple of 256 only.
+    // floor(K * (fg - bg) / 256) as a byte of the wrapped 16-bit product K * (fg - bg): its high
+    // byte, shifted down for bytes 0 and 2, in place for byte 1. Added to bg bytewise (the sum
+    // always lies between bg and fg, so the wrap is exact); alpha is Aout.
     const Px low = V::set_px(0x00FF00FFu);
-    const Px bg_even = V::and_(bg, low), bg_odd = V::srl16(bg, 8);
-    const Px even =
-        V::add16(bg_even, V::srl16(V::mullo16(V::sub16(V::and_(fg, low), bg_even), k), 8));
-    const Px odd = V::add16(bg_odd, V::srl16(V::mullo16(V::sub16(V::srl16(fg, 8), bg_odd), k), 8));
-    // Byte 1 from odd, alpha from Aout, then bytes 0 and 2 from even.
-    const Px odd_aout = V::select(V::set_px(0xFFFF0000u), aout, odd);
-    return V::select(low, even, V::sll16(odd_aout, 8));
+    const Px d_even = V::sub16(V::and_(fg, low), V::and_(bg, low));
+    const Px d_odd = V::sub16(V::srl16(fg, 8), V::srl16(bg, 8));
+    const Px delta = V::select(low, V::srl16(V::mullo16(d_even, k), 8), V::mullo16(d_odd, k));
+    return V::select(V::set_px(0xFF000000u), V::sll32(aout, 24), V::add8(bg, delta));
   }
 };
 

@@ -48,6 +48,7 @@ struct V {
   }
 
   static Px add16(Px a, Px b) { return _mm256_add_epi16(a, b); }
+  static Px add8(Px a, Px b) { return _mm256_add_epi8(a, b); }
   static Px add32(Px a, Px b) { return _mm256_add_epi32(a, b); }
   static Px sub16(Px a, Px b) { return _mm256_sub_epi16(a, b); }
   static Px adds_u16(Px a, Px b) { return _mm256_adds_epu16(a, b); }
