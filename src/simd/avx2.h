@@ -180,10 +180,10 @@ struct V {
   static Px select(Px m, Px a, Px b) { return _mm256_blendv_epi8(b, a, m); }
   // See simd/sse2.h.
   static Px reciprocal_pairs(Px x) {
-    const __m256 a = _mm256_cvtepi32_ps(_mm256_and_si256(x, _mm256_set1_epi32(0xFF)));
+    const __m256 a = _mm256_cvtepi32_ps(x);
     const __m256 r0 = _mm256_rcp_ps(a);
     const __m256 r1 = _mm256_mul_ps(r0, _mm256_sub_ps(_mm256_set1_ps(2.0f), _mm256_mul_ps(a, r0)));
-    return dup_lo16(_mm256_cvttps_epi32(_mm256_mul_ps(r1, _mm256_set1_ps(65535.5f))));
+    return dup_lo16(_mm256_cvttps_epi32(_mm256_mul_ps(r1, _mm256_set1_ps(65535.5f * 65537.0f))));
   }
 
  private:

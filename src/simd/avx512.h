@@ -156,9 +156,9 @@ struct V {
   static Px select(Px m, Px a, Px b) { return _mm512_ternarylogic_epi32(m, a, b, 0xCA); }
   // See simd/sse2.h; the estimate has 14 bits, the Newton step is fused.
   static Px reciprocal_pairs(Px x) {
-    const __m512 a = _mm512_cvtepi32_ps(_mm512_and_si512(x, _mm512_set1_epi32(0xFF)));
+    const __m512 a = _mm512_cvtepi32_ps(x);
     const __m512 r = _mm512_rcp14_ps(a);
-    const __m512 q0 = _mm512_mul_ps(r, _mm512_set1_ps(65535.5f));
+    const __m512 q0 = _mm512_mul_ps(r, _mm512_set1_ps(65535.5f * 65537.0f));
     const __m512 e = _mm512_fnmadd_ps(a, r, _mm512_set1_ps(1.0f));  // 1 - a * r
     return dup_lo16(_mm512_cvttps_epi32(_mm512_fmadd_ps(q0, e, q0)));
   }

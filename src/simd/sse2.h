@@ -209,15 +209,17 @@ struct V {
   static Px select(Px m, Px a, Px b) {
     return _mm_or_si128(_mm_and_si128(m, a), _mm_andnot_si128(m, b));
   }
-  // ReciprocalTable[A] in both 16-bit halves of each 32-bit lane, A its low byte. Computed: with r
-  // within 2^-17 of 1/A (the estimate refined by one Newton step), 65535.5 * r truncates to
-  // 65535 / A, since 65535.5 / A lies at least 0.5 / A from either neighbouring integer. A = 0
-  // gives the integer indefinite 0x80000000, whose low half, 0, is entry 0.
+  // ReciprocalTable[A] in both 16-bit halves of each 32-bit lane that holds A (0..255) in both.
+  // Computed: the lane as a number is 65537 * A, exact in single precision; with r within 2^-17
+  // of its reciprocal (the estimate refined by one Newton step), 65535.5 * 65537 * r (the constant
+  // rounded, by far less) truncates to 65535 / A, since 65535.5 / A lies at least 0.5 / A from
+  // either neighbouring integer. A = 0 gives the integer indefinite 0x80000000, whose low half,
+  // 0, is entry 0.
   static Px reciprocal_pairs(Px x) {
-    const __m128 a = _mm_cvtepi32_ps(_mm_and_si128(x, _mm_set1_epi32(0xFF)));
+    const __m128 a = _mm_cvtepi32_ps(x);
     const __m128 r0 = _mm_rcp_ps(a);
     const __m128 r1 = _mm_mul_ps(r0, _mm_sub_ps(_mm_set1_ps(2.0f), _mm_mul_ps(a, r0)));
-    return dup_lo16(_mm_cvttps_epi32(_mm_mul_ps(r1, _mm_set1_ps(65535.5f))));
+    return dup_lo16(_mm_cvttps_epi32(_mm_mul_ps(r1, _mm_set1_ps(65535.5f * 65537.0f))));
   }
 
  private:
