@@ -17,18 +17,15 @@ inline typename V::Px floor_avg(typename V::Px x, typename V::Px y) {
   return V::add16(V::and_(x, y), half);
 }
 
-// a * w / 256 + b * iw / 256 per byte, each product the high half of (byte * 256) * weight lane:
-// bytes 0 and 2 of each pixel shifted up into the high halves of its 16-bit lanes, bytes 1 and 3
-// masked in place; both sums are at most 255.
+// a * w / 256 + b * iw / 256 per byte, each product the high half of (byte * 256) * weight lane.
 template <class V>
 inline typename V::Px lin_pix_group(typename V::Px a, typename V::Px b, typename V::Px w,
                                     typename V::Px iw) {
-  const typename V::Px high = V::set16(0xFF00);
-  const typename V::Px even =
-      V::add16(V::mulhi_u16(V::sll16(a, 8), w), V::mulhi_u16(V::sll16(b, 8), iw));
-  const typename V::Px odd =
-      V::add16(V::mulhi_u16(V::and_(a, high), w), V::mulhi_u16(V::and_(b, high), iw));
-  return V::or_(even, V::sll16(odd, 8));
+  const typename V::Px lo =
+      V::add16(V::mulhi_u16(V::widen_lo(a), w), V::mulhi_u16(V::widen_lo(b), iw));
+  const typename V::Px hi =
+      V::add16(V::mulhi_u16(V::widen_hi(a), w), V::mulhi_u16(V::widen_hi(b), iw));
+  return V::pack(lo, hi);
 }
 
 // dst[i] = floor_avg(a[i], b[i]) for i < n, n a multiple of 4. A rest narrower than a vector goes
