@@ -17,7 +17,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <type_traits>
 
 #include "frame/pixel.h"
@@ -125,6 +124,7 @@ inline void vector_line(const Lines& l, GroupFn&& grp, MaskMap&& map = {}) {
   using Bytes = typename V::Bytes;
   constexpr std::int32_t W = V::kPixels;
   static_assert(W % kGroup == 0, "a vector holds whole groups");
+  static_assert(V::kStoreAlign <= sizeof(std::uint32_t) * W, "a head is less than a vector");
   constexpr bool kMapped = !std::is_same_v<std::remove_cvref_t<MaskMap>, SameMask>;
   constexpr std::int32_t kChunk = kMapped ? 32 * W : 0;  // pixels mapped at a time
   const std::int32_t n = l.count;
@@ -144,8 +144,14 @@ inline void vector_line(const Lines& l, GroupFn&& grp, MaskMap&& map = {}) {
   const auto whole = [&](std::int32_t i, const std::uint8_t* mask) {
     Px a = V::zero(), b = V::zero();
     Bytes m = V::zero();
-    if constexpr (S::kInputs > 0) frame_detail::in_register(a = V::load(l.in0 + i));
-    if constexpr (S::kInputs > 1) frame_detail::in_register(b = V::load(l.in1 + i));
+    if constexpr (S::kInputs > 0) {
+      a = V::load(l.in0 + i);
+      frame_detail::in_register(a);
+    }
+    if constexpr (S::kInputs > 1) {
+      b = V::load(l.in1 + i);
+      frame_detail::in_register(b);
+    }
     if constexpr (S::kMask) m = V::load_bytes(mask);
     V::store(l.dst + i, frame_detail::apply<S>(grp, a, b, m));
   };

@@ -90,7 +90,8 @@ struct V {
   static Px andnot(Px a, Px b) { return _mm_andnot_si128(a, b); }  // ~a & b
 
   // ---- line ends, per-pixel bytes and tables, pixel-wide 16-bit lanes ----
-  // The frame aligns dst to this many bytes with a partial first vector (1: it does not).
+  // The frame brings dst to a multiple of this many bytes with a partial first vector (at most
+  // 4: it does not).
   static constexpr std::uintptr_t kStoreAlign = 16;
 
   // Pixels [0, n) of p (0 <= n <= kPixels) in the first n lanes, `fill` in the others; reads
