@@ -16,7 +16,23 @@ using V210Fn = void(std::uint16_t* dst, const std::uint32_t* src, std::int32_t c
 QX_KERNEL_FORMS(ConvertFn, argb2ayuv)
 QX_KERNEL_FORMS(ConvertFn, ayuv2argb)
 
-QX_SSE2_KERNEL_FORMS(V210Fn, v210yuv422p10)
+// v210: the SSE2 form is an algorithm of its own (SSE2 has no byte shuffle); the wider forms are
+// written over V and its byte permute.
+namespace scalar {
+V210Fn v210yuv422p10;
+}
+#if QX_X86
+namespace sse2 {
+V210Fn v210yuv422p10;
+}
+#endif
+QX_FOR_EACH_PERMUTE_ISA(QX_DECLARE_FORM_, V210Fn, v210yuv422p10)
+inline constexpr Form<V210Fn> v210yuv422p10_forms[] = {
+    {Isa::kScalar, scalar::v210yuv422p10},
+#if QX_X86
+    {Isa::kSse2, sse2::v210yuv422p10},
+#endif
+    QX_FOR_EACH_PERMUTE_ISA(QX_LIST_FORM_, V210Fn, v210yuv422p10)};
 
 // The conversion constants, shared by every form.
 namespace yuv {

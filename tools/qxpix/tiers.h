@@ -35,6 +35,8 @@ using enum Tier;
 inline constexpr unsigned kVector = tier_set({kScalar, kSse2, kAvx2, kAvx512, kAvx512Vbmi});
 // Kernels whose only vector form is an SSE2 algorithm of its own.
 inline constexpr unsigned kSse2Only = tier_set({kScalar, kSse2});
+// v210 unpacking: an SSE2 algorithm of its own, then the forms over the policy's byte permute.
+inline constexpr unsigned kV210 = tier_set({kScalar, kSse2, kAvx2, kAvx512, kAvx512Vbmi});
 }  // namespace tiers
 
 // Every export that does work (qx_pixinit and qx_r210argb do none), in the header's order.
@@ -42,7 +44,7 @@ inline constexpr ExportTiers kExportTiers[] = {
     {"qx_fill", tiers::kVector},
     {"qx_argb2ayuv", tiers::kVector},
     {"qx_ayuv2argb", tiers::kVector},
-    {"qx_v210yuv422p10", tiers::kSse2Only},
+    {"qx_v210yuv422p10", tiers::kV210},
     {"qx_blend", tiers::kVector},
     {"qx_blend_t", tiers::kVector},
     {"qx_blend_m", tiers::kVector},
