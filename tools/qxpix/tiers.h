@@ -65,9 +65,9 @@ inline constexpr ExportTiers kExportTiers[] = {
     {"qx_lin_pix", tiers::kVector},
     {"qx_zoom_in2x1d", tiers::kSse2Only},
     {"qx_zoom_in2x2d", tiers::kSse2Only},
-    {"qx_scale_1d", tier_set({Tier::kScalar, Tier::kSse2, Tier::kSsse3})},
-    {"qx_scale_horz", tier_set({Tier::kScalar, Tier::kSse2, Tier::kSsse3})},
-    {"qx_zoom_outNx", tier_set({Tier::kScalar})},
+    {"qx_scale_1d", tiers::kVector},
+    {"qx_scale_horz", tiers::kVector},
+    {"qx_zoom_outNx", tiers::kVector},
 };
 
 // The highest tier this processor supports, lowered to the QXPIXLIB_MAX_ISA cap if one is set.

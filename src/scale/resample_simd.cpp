@@ -1,0 +1,166 @@
+// The linear scalers and the zoom-out over the vector policy V: a vector of outputs at a time,
+// positions kept in a vector and advanced as the row is walked (nothing is allocated).
+//
+// The taps of a vector of outputs come either from a window of 2 * V::kPixels source pixels,
+// loaded whole and permuted (when the policy permutes pixels across two vectors and the taps fit),
+// or from gathering the pairs of adjacent pixels that the tap pairing reads (scale/resample.h):
+// lanes 2m and 2m + 1 of the pairs gathered at the even outputs' indices are exactly the left taps
+// of outputs 2m and 2m + 1, and the right tap of output 2m + 1 is the second pixel of the pair at
+// its own index.
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "frame/pixel.h"
+#include "scale/resample.h"
+#include "simd/vector.h"
+
+namespace qx::QX_SIMD {
+namespace {
+
+using Px = V::Px;
+constexpr std::int32_t P = V::kPixels;
+
+template <class W>
+concept PixelPermute = requires(typename W::Px x) {
+  W::permute_px2(x, x, x);
+};
+
+// Per byte left * (256 - f) / 256 + right * f / 256 with f = pos & 255 of each output, each
+// product (byte * 256) * weight >> 16 truncated on its own; the sum stays <= 255.
+Px mix(Px left, Px right, Px pos) {
+  Px f_lo, f_hi;
+  V::spread_byte0(pos, f_lo, f_hi);
+  const Px whole = V::set16(256);
+  const Px lo = V::add16(V::mulhi_u16(V::widen_lo(left), V::sub16(whole, f_lo)),
+                         V::mulhi_u16(V::widen_lo(right), f_lo));
+  const Px hi = V::add16(V::mulhi_u16(V::widen_hi(left), V::sub16(whole, f_hi)),
+                         V::mulhi_u16(V::widen_hi(right), f_hi));
+  return V::pack(lo, hi);
+}
+
+// The outputs at positions pos, taps gathered from src.
+Px gathered(const std::uint32_t* src, Px pos) {
+  const Px i = V::srl32(pos, 8);
+  const Px at_even = V::gather_px_pairs(src, i);               // P[i_2m], P[i_2m + 1]
+  const Px at_odd = V::gather_px_pairs(src, V::srl64(i, 32));  // P[i_2m+1], P[i_2m+1 + 1]
+  return mix(at_even, V::trn_odd_px(at_even, at_odd), pos);
+}
+
+// The outputs at positions rel relative to `window` (rel = pos - 256 * first index of the window),
+// all of whose taps lie among the 2 * P pixels at `window`.
+// (A template, so that it is only built for policies with permute_px2.)
+template <class W>
+Px windowed(const std::uint32_t* window, Px rel) {
+  const Px i = W::srl32(rel, 8);
+  const Px w0 = W::load(window), w1 = W::load(window + P);
+  const Px odd_one = W::set16x4(0, 0, 1, 0);  // 32-bit lanes 0, 1, 0, 1, ...
+  const Px left = W::permute_px2(w0, w1, W::add32(W::dup_even32(i), odd_one));
+  const Px right = W::permute_px2(w0, w1, W::add32(i, W::set_px(1)));
+  return mix(left, right, rel);  // rel & 255 == pos & 255
+}
+
+// What every row of one call shares.
+struct Plan {
+  ScaleSteps s;
+  std::int32_t regular;   // vectors of outputs whose positions are all j * step: [0, regular * P)
+  std::int32_t windowed;  // the first of those whose taps come from a window inside the source
+};
+
+Plan plan(const ScaleSteps& s, std::int32_t src_count) {
+  Plan p{s, (s.count - 1) / P, 0};
+  if constexpr (PixelPermute<V>) {
+    // Vector k (outputs kP .. kP + P - 1) reads the window at b = kP * step >> 8. Its taps lie in
+    // it when its last left index is at most 2P - 2 past b (the right tap is one further), which
+    // holds for every k when (P - 1) * step / 256 + 1 <= 2P - 2; the window lies inside the
+    // source while b + 2P <= src_count, which holds for k up to a bound, positions increasing.
+    const std::uint64_t step = s.step;
+    const bool taps_fit = (P - 1) * step / 256 + 1 <= std::uint64_t{2 * P - 2};
+    if (taps_fit && src_count >= 2 * P) {
+      const std::uint64_t room = std::uint64_t(src_count - 2 * P) * 256 + 255;
+      const std::uint64_t fit = step == 0 ? std::uint64_t(p.regular) : room / (P * step) + 1;
+      p.windowed = fit < std::uint64_t(p.regular) ? static_cast<std::int32_t>(fit) : p.regular;
+    }
+  }
+  return p;
+}
+
+template <class W>
+void scale_row(std::uint32_t* dst, const std::uint32_t* src, const Plan& p) {
+  alignas(64) std::uint32_t lanes[P];
+  for (std::int32_t k = 0; k < P; ++k) lanes[k] = static_cast<std::uint32_t>(k) * p.s.step;
+  Px pos = V::load(lanes);  // the positions of the current vector of outputs
+  const std::uint32_t advance = static_cast<std::uint32_t>(P) * p.s.step;  // (wraps harmlessly)
+  const Px advance_v = V::set_px(advance);
+  std::int32_t k = 0;
+  if constexpr (PixelPermute<W>) {
+    std::uint32_t first = 0;  // position of the vector's first output
+    for (; k < p.windowed; ++k, first += advance, pos = V::add32(pos, advance_v)) {
+      const std::uint32_t base = first >> 8;
+      V::store(dst + std::ptrdiff_t{k} * P,
+               windowed<W>(src + base, V::sub32(pos, V::set_px(base << 8))));
+    }
+  }
+  for (; k < p.regular; ++k, pos = V::add32(pos, advance_v))
+    V::store(dst + std::ptrdiff_t{k} * P, gathered(src, pos));
+  // The rest, at most P outputs (the pinned last position among them when count % 4 == 0), in
+  // scratch; its unused lanes sample position 0.
+  const std::int32_t j0 = p.regular * P, rest = p.s.count / 4 * 4 - j0;
+  if (rest > 0) {
+    for (std::int32_t n = 0; n < P; ++n) lanes[n] = n < rest ? p.s.at(j0 + n) : 0;
+    alignas(64) std::uint32_t out[P];
+    V::store(out, gathered(src, V::load(lanes)));
+    std::memcpy(dst + j0, out, sizeof(std::uint32_t) * static_cast<std::size_t>(rest));
+  }
+}
+
+// One row of the zoom-out: d[c] = s[c * fx] for c < width.
+void zoom_row(std::uint32_t* d, const std::uint32_t* s, std::int32_t width, std::ptrdiff_t fx,
+              Px offsets) {
+  std::int32_t c = 0;
+  if (fx == 1) {
+    std::memmove(d, s, sizeof(std::uint32_t) * static_cast<std::size_t>(width));
+    return;
+  }
+  if (fx == 2) {
+    // A vector reads 2P pixels from s + 2c, the last of which lies before sample c + P: stop
+    // while there is one, so that nothing past the row's last sample is read.
+    for (; c + P < width; c += P)
+      V::store(d + c, V::even_px(V::load(s + 2 * c), V::load(s + 2 * c + P)));
+  } else if (fx < (std::ptrdiff_t{1} << 26) / P) {  // (every offset k * fx, in bytes, fits 31 bits)
+    for (; c + P <= width; c += P) V::store(d + c, V::gather_px(s + c * fx, offsets));
+  }
+  for (; c < width; ++c) store_px(d + c, load_px(s + c * fx));
+}
+
+}  // namespace
+
+void scale_horz(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_stride,
+                const std::uint32_t* src, std::int32_t src_width, std::int32_t height,
+                std::int32_t src_stride) {
+  ScaleSteps s{};
+  if (!scale_steps(src_width, dst_width, s)) return;
+  const Plan p = plan(s, src_width);
+  for (std::int32_t y = 0; y < height; ++y)
+    scale_row<V>(dst + std::ptrdiff_t{y} * dst_stride, src + std::ptrdiff_t{y} * src_stride, p);
+}
+
+void scale_1d(std::uint32_t* dst, std::int32_t dst_count, const std::uint32_t* src,
+              std::int32_t src_count) {
+  scale_horz(dst, dst_count, 0, src, src_count, 1, 0);
+}
+
+void zoom_out(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
+              const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height) {
+  if (dst_width <= 0 || dst_height <= 0 || src_width <= 0 || src_height <= 0) return;
+  const std::ptrdiff_t fx = src_width / dst_width + (src_width % dst_width != 0);
+  const std::ptrdiff_t fy = src_height / dst_height + (src_height % dst_height != 0);
+  alignas(64) std::uint32_t lanes[P];
+  for (std::int32_t k = 0; k < P; ++k)  // (used only when fx is small enough)
+    lanes[k] = static_cast<std::uint32_t>(k) * static_cast<std::uint32_t>(fx);
+  const Px offsets = V::load(lanes);
+  for (std::int32_t r = 0; r < dst_height; ++r)
+    zoom_row(dst + std::ptrdiff_t{r} * dst_width, src + r * fy * src_width, dst_width, fx, offsets);
+}
+
+}  // namespace qx::QX_SIMD
