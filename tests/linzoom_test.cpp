@@ -109,7 +109,8 @@ TEST(Zoom, WorkedValuesEveryForm) {
 TEST(Zoom, EveryFormMatchesScalarForm) {
   harness::Rng rng(11);
   const PageEnd page(4 * 4 * 1920);
-  std::vector<std::array<std::int32_t, 3>> sizes = {{1920, 4, 1920}, {1922, 3, 1924}, {6, 4, 0}};
+  std::vector<std::array<std::int32_t, 3>> sizes = {
+      {1920, 4, 1920}, {1922, 3, 1924}, {6, 4, 0}, {102, 3, 104}};
   for (std::int32_t w = 0; w <= 20; ++w)  // width, height, stride (0: one row repeated)
     for (std::int32_t h : {-2, 0, 1, 2, 3}) sizes.push_back({w, h, (w + 3) / 4 * 4 + 4 * (h & 1)});
   for (const auto& size : sizes) {

@@ -92,23 +92,3 @@ auto chosen() noexcept {
   QX_FOR_EACH_VECTOR_ISA(QX_DECLARE_FORM_, Fn, name) \
   inline constexpr ::qx::Form<Fn> name##_forms[] = { \
       {::qx::Isa::kScalar, scalar::name}, QX_FOR_EACH_VECTOR_ISA(QX_LIST_FORM_, Fn, name)};
-
-// Inside namespace qx: the same for a kernel whose only vector form is an SSE2 algorithm of its
-// own (sse2::name, built in a *_sse2.cpp unit).
-#if QX_X86
-#define QX_SSE2_KERNEL_FORMS(Fn, name)                                                  \
-  namespace scalar {                                                                    \
-  Fn name;                                                                              \
-  }                                                                                     \
-  namespace sse2 {                                                                      \
-  Fn name;                                                                              \
-  }                                                                                     \
-  inline constexpr ::qx::Form<Fn> name##_forms[] = {{::qx::Isa::kScalar, scalar::name}, \
-                                                    {::qx::Isa::kSse2, sse2::name}};
-#else
-#define QX_SSE2_KERNEL_FORMS(Fn, name) \
-  namespace scalar {                   \
-  Fn name;                             \
-  }                                    \
-  inline constexpr ::qx::Form<Fn> name##_forms[] = {{::qx::Isa::kScalar, scalar::name}};
-#endif
