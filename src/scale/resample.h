@@ -19,6 +19,7 @@
 // l * (256 - f) / 256 + r * f / 256 with each product truncated on its own.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "frame/isa.h"
@@ -61,6 +62,19 @@ using ScaleHorzFn = void(std::uint32_t* dst, std::int32_t dst_width, std::int32_
 QX_KERNEL_FORMS(Scale1dFn, scale_1d)
 QX_KERNEL_FORMS(ScaleHorzFn, scale_horz)
 
+// The frame of every form of qx_scale_horz: the positions once per call, row_for(steps) once to
+// make the form's row function, then row(dst_row, src_row) for each row.
+template <class RowFor>
+inline void scale_frame(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_stride,
+                        const std::uint32_t* src, std::int32_t src_width, std::int32_t height,
+                        std::int32_t src_stride, RowFor&& row_for) {
+  ScaleSteps s{};
+  if (!scale_steps(src_width, dst_width, s)) return;
+  const auto row = row_for(s);
+  for (std::int32_t y = 0; y < height; ++y)
+    row(dst + std::ptrdiff_t{y} * dst_stride, src + std::ptrdiff_t{y} * src_stride);
+}
+
 // dst (packed, dst_width x dst_height) takes the top-left pixel of each fx x fy block of src
 // (packed, row pitch src_width), fx and fy the ratios rounded up. Samples are not clamped: they may
 // come from the next source row or from rows past src_height, which the caller sizes src for.
@@ -70,5 +84,20 @@ using ZoomOutFn = void(std::uint32_t* dst, std::int32_t dst_width, std::int32_t 
                        const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height);
 
 QX_KERNEL_FORMS(ZoomOutFn, zoom_out)
+
+// The frame of every form of qx_zoom_outNx: the factors once per call, row_for(fx) once to make
+// the form's row function, then row(dst_row, src_row) for each row, where a row takes
+// dst_row[c] = src_row[c * fx] for c < dst_width.
+template <class RowFor>
+inline void zoom_out_frame(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
+                           const std::uint32_t* src, std::int32_t src_width,
+                           std::int32_t src_height, RowFor&& row_for) {
+  if (dst_width <= 0 || dst_height <= 0 || src_width <= 0 || src_height <= 0) return;
+  const std::ptrdiff_t fx = src_width / dst_width + (src_width % dst_width != 0);
+  const std::ptrdiff_t fy = src_height / dst_height + (src_height % dst_height != 0);
+  const auto row = row_for(fx);
+  for (std::int32_t r = 0; r < dst_height; ++r)
+    row(dst + std::ptrdiff_t{r} * dst_width, src + r * fy * src_width);
+}
 
 }  // namespace qx

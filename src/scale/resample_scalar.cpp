@@ -36,10 +36,10 @@ void scale_row(std::uint32_t* dst, const std::uint32_t* src, const ScaleSteps& s
 void scale_horz(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_stride,
                 const std::uint32_t* src, std::int32_t src_width, std::int32_t height,
                 std::int32_t src_stride) {
-  ScaleSteps s{};
-  if (!scale_steps(src_width, dst_width, s)) return;
-  for (std::int32_t y = 0; y < height; ++y)
-    scale_row(dst + std::ptrdiff_t{y} * dst_stride, src + std::ptrdiff_t{y} * src_stride, s);
+  scale_frame(dst, dst_width, dst_stride, src, src_width, height, src_stride,
+              [](const ScaleSteps& s) {
+                return [s](std::uint32_t* d, const std::uint32_t* sr) { scale_row(d, sr, s); };
+              });
 }
 
 void scale_1d(std::uint32_t* dst, std::int32_t dst_count, const std::uint32_t* src,
@@ -49,14 +49,11 @@ void scale_1d(std::uint32_t* dst, std::int32_t dst_count, const std::uint32_t* s
 
 void zoom_out(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
               const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height) {
-  if (dst_width <= 0 || dst_height <= 0 || src_width <= 0 || src_height <= 0) return;
-  const std::ptrdiff_t fx = src_width / dst_width + (src_width % dst_width != 0);
-  const std::ptrdiff_t fy = src_height / dst_height + (src_height % dst_height != 0);
-  for (std::int32_t r = 0; r < dst_height; ++r) {
-    const std::uint32_t* s = src + r * fy * src_width;
-    std::uint32_t* d = dst + std::ptrdiff_t{r} * dst_width;
-    for (std::int32_t c = 0; c < dst_width; ++c) d[c] = s[c * fx];
-  }
+  zoom_out_frame(dst, dst_width, dst_height, src, src_width, src_height, [=](std::ptrdiff_t fx) {
+    return [=](std::uint32_t* d, const std::uint32_t* s) {
+      for (std::int32_t c = 0; c < dst_width; ++c) d[c] = s[c * fx];
+    };
+  });
 }
 
 }  // namespace qx::scalar

@@ -138,11 +138,12 @@ void zoom_row(std::uint32_t* d, const std::uint32_t* s, std::int32_t width, std:
 void scale_horz(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_stride,
                 const std::uint32_t* src, std::int32_t src_width, std::int32_t height,
                 std::int32_t src_stride) {
-  ScaleSteps s{};
-  if (!scale_steps(src_width, dst_width, s)) return;
-  const Plan p = plan(s, src_width);
-  for (std::int32_t y = 0; y < height; ++y)
-    scale_row<V>(dst + std::ptrdiff_t{y} * dst_stride, src + std::ptrdiff_t{y} * src_stride, p);
+  scale_frame(dst, dst_width, dst_stride, src, src_width, height, src_stride,
+              [src_width](const ScaleSteps& s) {
+                return [p = plan(s, src_width)](std::uint32_t* d, const std::uint32_t* sr) {
+                  scale_row<V>(d, sr, p);
+                };
+              });
 }
 
 void scale_1d(std::uint32_t* dst, std::int32_t dst_count, const std::uint32_t* src,
@@ -152,15 +153,14 @@ void scale_1d(std::uint32_t* dst, std::int32_t dst_count, const std::uint32_t* s
 
 void zoom_out(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
               const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height) {
-  if (dst_width <= 0 || dst_height <= 0 || src_width <= 0 || src_height <= 0) return;
-  const std::ptrdiff_t fx = src_width / dst_width + (src_width % dst_width != 0);
-  const std::ptrdiff_t fy = src_height / dst_height + (src_height % dst_height != 0);
-  alignas(64) std::uint32_t lanes[P];
-  for (std::int32_t k = 0; k < P; ++k)  // (used only when fx is small enough)
-    lanes[k] = static_cast<std::uint32_t>(k) * static_cast<std::uint32_t>(fx);
-  const Px offsets = V::load(lanes);
-  for (std::int32_t r = 0; r < dst_height; ++r)
-    zoom_row(dst + std::ptrdiff_t{r} * dst_width, src + r * fy * src_width, dst_width, fx, offsets);
+  zoom_out_frame(dst, dst_width, dst_height, src, src_width, src_height, [=](std::ptrdiff_t fx) {
+    alignas(64) std::uint32_t lanes[P];
+    for (std::int32_t k = 0; k < P; ++k)  // (used only when fx is small enough)
+      lanes[k] = static_cast<std::uint32_t>(k) * static_cast<std::uint32_t>(fx);
+    return [=, offsets = V::load(lanes)](std::uint32_t* d, const std::uint32_t* s) {
+      zoom_row(d, s, dst_width, fx, offsets);
+    };
+  });
 }
 
 }  // namespace qx::QX_SIMD
