@@ -58,10 +58,12 @@ constexpr std::array<std::uint16_t, kSamples> multiplier_table(int m, bool chrom
   return t;
 }
 
+// (Aligned, so that no load of a table splits a cache line.)
 template <int m, bool kChroma>
-constexpr std::array<std::uint8_t, kBytes> kPermute = permute_table(m, kChroma);
+alignas(64) constexpr std::array<std::uint8_t, kBytes> kPermute = permute_table(m, kChroma);
 template <int m, bool kChroma>
-constexpr std::array<std::uint16_t, kSamples> kMultiplier = multiplier_table(m, kChroma);
+alignas(64) constexpr std::array<std::uint16_t, kSamples> kMultiplier =
+    multiplier_table(m, kChroma);
 
 // Output vector m of the chunk in input vectors a = m, b = m + 1.
 template <int m, bool kChroma>
@@ -104,24 +106,28 @@ void v210yuv422p10(std::uint16_t* dst, const std::uint32_t* src, std::int32_t co
   std::uint16_t* const cb = dst + n;
   std::uint16_t* const cr = cb + n / 2;
   const auto* in = reinterpret_cast<const std::uint8_t*>(src);
-  alignas(64) std::uint8_t block[8 * kBytes];
-  alignas(64) std::uint16_t out[12 * kSamples];
-  for (std::size_t done = 0; done < n; done += kStepPixels) {
-    const std::size_t rest = n - done;
-    if (rest >= kStepPixels) {
-      step(in + done / 6 * 16, y + done, cb + done / 2, cr + done / 2);
-      continue;
-    }
-    // The rest of the line: only the blocks that hold its pixels are read, only its samples
-    // written (through the same step, in scratch).
-    const std::size_t bytes = 16 * ((rest + 5) / 6);
-    std::memcpy(block, in + done / 6 * 16, bytes);
-    std::memset(block + bytes, 0, sizeof block - bytes);
-    step(block, out, out + 6 * kSamples, out + 9 * kSamples);
-    std::memcpy(y + done, out, 2 * rest);
-    std::memcpy(cb + done / 2, out + 6 * kSamples, rest);
-    std::memcpy(cr + done / 2, out + 9 * kSamples, rest);
+  std::size_t done = 0;
+  for (; n - done >= kStepPixels; done += kStepPixels)
+    step(in + done / 6 * 16, y + done, cb + done / 2, cr + done / 2);
+  if (done == n) return;
+  if (done > 0) {
+    // The rest of a line longer than a step: one more step ending as near the line's end as a
+    // block boundary allows (rewriting samples with the values they have), then the last pixels
+    // of the last block one pair at a time.
+    const std::size_t last = (n - kStepPixels) / 6 * 6;
+    step(in + last / 6 * 16, y + last, cb + last / 2, cr + last / 2);
+    v210_pairs(y, cb, cr, src, (last + kStepPixels) / 2, n / 2);
+    return;
   }
+  // A line shorter than a step, through the same step in scratch: only the blocks that hold its
+  // pixels are read, only its samples written.
+  alignas(64) std::uint8_t block[8 * kBytes] = {};
+  alignas(64) std::uint16_t out[12 * kSamples];
+  std::memcpy(block, in, 16 * ((n + 5) / 6));
+  step(block, out, out + 6 * kSamples, out + 9 * kSamples);
+  std::memcpy(y, out, 2 * n);
+  std::memcpy(cb, out + 6 * kSamples, n);
+  std::memcpy(cr, out + 9 * kSamples, n);
 }
 
 }  // namespace qx::QX_SIMD

@@ -42,7 +42,7 @@ struct V : avx512::V {
   // std::array of 64 byte indices fixed at compile time.
   template <const auto& kIdx>
   static Px permute_bytes2(Px a, Px b) {
-    static constexpr auto kTable = [] {
+    alignas(64) static constexpr auto kTable = [] {
       struct {
         alignas(64) std::uint8_t idx[64];
         std::uint64_t zero;  // bit k: byte k is zero

@@ -22,8 +22,9 @@ struct Plan {
   static constexpr std::size_t kLanes = B / 4;
   static constexpr int kMaxPasses = 4;
   int passes = 0;
-  std::array<std::array<std::uint32_t, kLanes>, kMaxPasses> lane{};
-  std::array<std::array<std::uint8_t, B>, kMaxPasses> shuffle{};
+  // (Aligned, so that no load of a table splits a cache line.)
+  alignas(64) std::array<std::array<std::uint32_t, kLanes>, kMaxPasses> lane{};
+  alignas(64) std::array<std::array<std::uint8_t, B>, kMaxPasses> shuffle{};
   // Per pass: whether any lane comes from a / from b (a pass may then move lanes of one vector).
   std::array<bool, kMaxPasses> uses_a{}, uses_b{};
 };
