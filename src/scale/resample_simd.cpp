@@ -117,18 +117,27 @@ void scale_row(std::uint32_t* dst, const std::uint32_t* src, const Plan& p) {
 // One row of the zoom-out: d[c] = s[c * fx] for c < width.
 void zoom_row(std::uint32_t* d, const std::uint32_t* s, std::int32_t width, std::ptrdiff_t fx,
               Px offsets) {
-  std::int32_t c = 0;
   if (fx == 1) {
     std::memmove(d, s, sizeof(std::uint32_t) * static_cast<std::size_t>(width));
     return;
   }
+  const bool gathers = fx < (std::ptrdiff_t{1} << 26) / P;  // every offset k * fx in bytes fits
+  std::int32_t c = 0;
   if (fx == 2) {
     // A vector reads 2P pixels from s + 2c, the last of which lies before sample c + P: stop
     // while there is one, so that nothing past the row's last sample is read.
     for (; c + P < width; c += P)
       V::store(d + c, V::even_px(V::load(s + 2 * c), V::load(s + 2 * c + P)));
-  } else if (fx < (std::ptrdiff_t{1} << 26) / P) {  // (every offset k * fx, in bytes, fits 31 bits)
+  } else if (gathers) {
     for (; c + P <= width; c += P) V::store(d + c, V::gather_px(s + c * fx, offsets));
+  }
+  if (c == width) return;
+  if (gathers && width >= 2 * P) {
+    // The rest as one more vector ending at the row's end, rewriting pixels with the values they
+    // have. Its samples lie at s + (width - P) * fx and on, past every pixel written so far even
+    // when dst is src (d <= s, fx >= 2, width >= 2P).
+    V::store(d + (width - P), V::gather_px(s + (width - P) * fx, offsets));
+    return;
   }
   for (; c < width; ++c) store_px(d + c, load_px(s + c * fx));
 }
