@@ -42,30 +42,37 @@ void lin_pix(std::uint32_t* dst, const std::uint32_t* src1, const std::uint32_t*
   });
 }
 
-// Whole vectors of source pixels; the predecessors of a vector are one unaligned load one pixel
-// back, except for the first vector (whose first pixel is its own predecessor) and the rest of
-// fewer than P pixels, which go through scratch so that nothing outside the line's first
-// 4 * (count / 4) pixels is read or written.
+// Whole vectors of source pixels, the predecessors of each one unaligned load one pixel back (the
+// first vector's from its own pixels, the first its own predecessor). After the first vector the
+// vectors start where their stores fall on vector boundaries, and the last one ends at the line's
+// end; both may overlap pixels already done, rewriting them with the same values. A line shorter
+// than a vector goes through scratch. Nothing outside the line's first 4 * (count / 4) pixels is
+// read or written.
 void zoom_in2x1d(std::uint32_t* dst, const std::uint32_t* src, std::int32_t count) {
   const std::int32_t n = count / kGroup * kGroup;  // the last count % 4 pixels are not used
   if (n <= 0) return;
-  alignas(64) std::uint32_t before[P] = {}, cur[P] = {}, out[2 * P];
-  std::int32_t i = 0;
+  const auto at = [dst, src](std::int32_t i) {
+    double_vector(dst + 2 * std::ptrdiff_t{i}, V::load(src + i - 1), V::load(src + i));
+  };
   if (n >= P) {
-    before[0] = load_px(src);
-    std::memcpy(before + 1, src, sizeof(std::uint32_t) * (P - 1));
-    double_vector(dst, V::load(before), V::load(src));
-    for (i = P; n - i >= P; i += P)
-      double_vector(dst + 2 * std::ptrdiff_t{i}, V::load(src + i - 1), V::load(src + i));
+    const V::Px first = V::load(src);
+    double_vector(dst, V::repeat_first_px(first), first);
+    // Output pixel 2i lies 8i bytes into dst: start at the first i in [1, P] that puts the stores
+    // on vector boundaries, if one does.
+    constexpr std::uintptr_t kBytes = 4 * P;
+    const std::uintptr_t past = reinterpret_cast<std::uintptr_t>(dst) % kBytes;
+    std::int32_t i = P;
+    if (past != 0 && past % 8 == 0) i = static_cast<std::int32_t>((kBytes - past) / 8);
+    for (; n - i >= P; i += P) at(i);
+    if (i < n && n > P) at(n - P);
+    return;
   }
-  if (i < n) {
-    const std::size_t rest = static_cast<std::size_t>(n - i);
-    before[0] = load_px(src + (i > 0 ? i - 1 : 0));
-    std::memcpy(before + 1, src + i, sizeof(std::uint32_t) * (rest - 1));
-    std::memcpy(cur, src + i, sizeof(std::uint32_t) * rest);
-    double_vector(out, V::load(before), V::load(cur));
-    std::memcpy(dst + 2 * std::ptrdiff_t{i}, out, 2 * sizeof(std::uint32_t) * rest);
-  }
+  alignas(64) std::uint32_t before[P] = {}, cur[P] = {}, out[2 * P];
+  before[0] = load_px(src);
+  std::memcpy(before + 1, src, sizeof(std::uint32_t) * static_cast<std::size_t>(n - 1));
+  std::memcpy(cur, src, sizeof(std::uint32_t) * static_cast<std::size_t>(n));
+  double_vector(out, V::load(before), V::load(cur));
+  std::memcpy(dst, out, 2 * sizeof(std::uint32_t) * static_cast<std::size_t>(n));
 }
 
 void zoom_in2x2d(std::uint32_t* dst, const std::uint32_t* src, std::int32_t width,

@@ -222,6 +222,10 @@ struct V {
     return _mm256_permute2x128_si256(_mm256_unpacklo_epi32(a, b), _mm256_unpackhi_epi32(a, b),
                                      0x31);
   }
+  // Pixel 0, then pixels 0 .. last - 1: each pixel's predecessor, the first its own.
+  static Px repeat_first_px(Px x) {
+    return _mm256_permutevar8x32_epi32(x, _mm256_setr_epi32(0, 0, 1, 2, 3, 4, 5, 6));
+  }
   // The even pixels of a, then those of b: a0 a2 a4 a6 b0 b2 b4 b6.
   static Px even_px(Px a, Px b) {
     const Px even = _mm256_castps_si256(

@@ -203,6 +203,11 @@ struct V {
     return _mm512_permutex2var_epi32(
         a, _mm512_setr_epi32(8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31), b);
   }
+  // Pixel 0, then pixels 0 .. last - 1: each pixel's predecessor, the first its own.
+  static Px repeat_first_px(Px x) {
+    return _mm512_permutexvar_epi32(
+        _mm512_setr_epi32(0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14), x);
+  }
   // The even pixels of a, then those of b: a0 a2 ... a14 b0 b2 ... b14.
   static Px even_px(Px a, Px b) {
     return _mm512_permutex2var_epi32(

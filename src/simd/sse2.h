@@ -260,6 +260,8 @@ struct V {
   // whole vector: a0 b0 a1 b1 (zip_lo), a2 b2 a3 b3 (zip_hi).
   static Px zip_lo_px(Px a, Px b) { return _mm_unpacklo_epi32(a, b); }
   static Px zip_hi_px(Px a, Px b) { return _mm_unpackhi_epi32(a, b); }
+  // Pixel 0, then pixels 0 .. last - 1: each pixel's predecessor, the first its own.
+  static Px repeat_first_px(Px x) { return _mm_shuffle_epi32(x, _MM_SHUFFLE(2, 1, 0, 0)); }
   // The even pixels of a, then those of b: a0 a2 b0 b2.
   static Px even_px(Px a, Px b) {
     return _mm_castps_si128(
