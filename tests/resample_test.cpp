@@ -119,7 +119,8 @@ TEST(ScaleLine, LongestSource) {
 TEST(ScaleLine, EveryFormMatchesScalar) {
   const std::int32_t sizes[][2] = {{2, 4},       {3, 4},     {7, 7},      {37, 64},
                                    {1000, 100},  {2, 1003},  {4001, 8},   {1920, 1280},
-                                   {1919, 3839}, {1919, 13}, {1000, 501}, {1001, 500}};
+                                   {1919, 3839}, {1919, 13}, {1000, 501}, {1001, 500},
+                                   {100, 107},   {100, 108}, {100, 116},  {100, 117}};
   for (const auto& [sn, dn] : sizes) run_all(random_line(sn, sn * 31 + dn), dn);
 }
 

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "frame/pixel.h"
 #include "scale/resample.h"
@@ -23,6 +24,7 @@ constexpr std::int32_t P = V::kPixels;
 
 template <class W>
 concept PixelPermute = requires(typename W::Px x) {
+  W::permute_px(x, x);
   W::permute_px2(x, x, x);
 };
 
@@ -48,16 +50,19 @@ Px gathered(const std::uint32_t* src, Px pos) {
 }
 
 // The outputs at positions rel relative to `window` (rel = pos - 256 * first index of the window),
-// all of whose taps lie among the 2 * P pixels at `window`.
-// (A template, so that it is only built for policies with permute_px2.)
-template <class W>
+// all of whose taps lie among the P (kNarrow) or 2 * P pixels at `window`.
+// (A template, so that it is only built for policies with pixel permutes.)
+template <class W, bool kNarrow>
 Px windowed(const std::uint32_t* window, Px rel) {
   const Px i = W::srl32(rel, 8);
-  const Px w0 = W::load(window), w1 = W::load(window + P);
-  const Px odd_one = W::set16x4(0, 0, 1, 0);  // 32-bit lanes 0, 1, 0, 1, ...
-  const Px left = W::permute_px2(w0, w1, W::add32(W::dup_even32(i), odd_one));
-  const Px right = W::permute_px2(w0, w1, W::add32(i, W::set_px(1)));
-  return mix(left, right, rel);  // rel & 255 == pos & 255
+  const Px left_i = W::add32(W::dup_even32(i), W::set16x4(0, 0, 1, 0));  // + 0, 1, 0, 1, ...
+  const Px right_i = W::add32(i, W::set_px(1));
+  const Px w0 = W::load(window);
+  if constexpr (kNarrow)
+    return mix(W::permute_px(w0, left_i), W::permute_px(w0, right_i),
+               rel);  // rel & 255 == pos & 255
+  const Px w1 = W::load(window + P);
+  return mix(W::permute_px2(w0, w1, left_i), W::permute_px2(w0, w1, right_i), rel);
 }
 
 // What every row of one call shares.
@@ -65,19 +70,22 @@ struct Plan {
   ScaleSteps s;
   std::int32_t regular;   // vectors of outputs whose positions are all j * step: [0, regular * P)
   std::int32_t windowed;  // the first of those whose taps come from a window inside the source
+  bool narrow;            // that window is one vector wide (else two)
 };
 
 Plan plan(const ScaleSteps& s, std::int32_t src_count) {
-  Plan p{s, (s.count - 1) / P, 0};
+  Plan p{s, (s.count - 1) / P, 0, false};
   if constexpr (PixelPermute<V>) {
     // Vector k (outputs kP .. kP + P - 1) reads the window at b = kP * step >> 8. Its taps lie in
-    // it when its last left index is at most 2P - 2 past b (the right tap is one further), which
-    // holds for every k when (P - 1) * step / 256 + 1 <= 2P - 2; the window lies inside the
-    // source while b + 2P <= src_count, which holds for k up to a bound, positions increasing.
-    const std::uint64_t step = s.step;
-    const bool taps_fit = (P - 1) * step / 256 + 1 <= std::uint64_t{2 * P - 2};
-    if (taps_fit && src_count >= 2 * P) {
-      const std::uint64_t room = std::uint64_t(src_count - 2 * P) * 256 + 255;
+    // a window of w pixels when its last left index is at most w - 2 past b (the right tap is one
+    // further), which holds for every k when (P - 1) * step / 256 + 1 <= w - 2; the window lies
+    // inside the source while b + w <= src_count, which holds for k up to a bound, positions
+    // increasing.
+    const std::uint64_t step = s.step, spread = (P - 1) * step / 256 + 1;
+    const std::int32_t w = spread <= std::uint64_t{P - 2} ? P : 2 * P;  // the narrowest that fits
+    p.narrow = w == P;
+    if (spread <= std::uint64_t(w - 2) && src_count >= w) {
+      const std::uint64_t room = std::uint64_t(src_count - w) * 256 + 255;
       const std::uint64_t fit = step == 0 ? std::uint64_t(p.regular) : room / (P * step) + 1;
       p.windowed = fit < std::uint64_t(p.regular) ? static_cast<std::int32_t>(fit) : p.regular;
     }
@@ -94,12 +102,18 @@ void scale_row(std::uint32_t* dst, const std::uint32_t* src, const Plan& p) {
   const Px advance_v = V::set_px(advance);
   std::int32_t k = 0;
   if constexpr (PixelPermute<W>) {
-    std::uint32_t first = 0;  // position of the vector's first output
-    for (; k < p.windowed; ++k, first += advance, pos = V::add32(pos, advance_v)) {
-      const std::uint32_t base = first >> 8;
-      V::store(dst + std::ptrdiff_t{k} * P,
-               windowed<W>(src + base, V::sub32(pos, V::set_px(base << 8))));
-    }
+    const auto windows = [&](auto narrow) {
+      std::uint32_t first = 0;  // position of the vector's first output
+      for (; k < p.windowed; ++k, first += advance, pos = V::add32(pos, advance_v)) {
+        const std::uint32_t base = first >> 8;
+        V::store(dst + std::ptrdiff_t{k} * P,
+                 windowed<W, narrow()>(src + base, V::sub32(pos, V::set_px(base << 8))));
+      }
+    };
+    if (p.narrow)
+      windows(std::true_type{});
+    else
+      windows(std::false_type{});
   }
   for (; k < p.regular; ++k, pos = V::add32(pos, advance_v))
     V::store(dst + std::ptrdiff_t{k} * P, gathered(src, pos));

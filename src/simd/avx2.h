@@ -242,6 +242,8 @@ struct V {
         _mm256_permutevar8x32_epi32(idx, _mm256_setr_epi32(0, 2, 4, 6, 0, 2, 4, 6)));
     return _mm256_i32gather_epi64(reinterpret_cast<const long long*>(base), even, 4);
   }
+  // Pixel k = pixel idx_k of a (idx_k < 8).
+  static Px permute_px(Px a, Px idx) { return _mm256_permutevar8x32_epi32(a, idx); }
   // Pixel k = pixel idx_k of the sixteen pixels of a, then b (idx_k < 16).
   static Px permute_px2(Px a, Px b, Px idx) {
     const __m256 from_b = _mm256_castsi256_ps(_mm256_slli_epi32(idx, 28));  // bit 3 to the sign
@@ -254,14 +256,14 @@ struct V {
   template <const auto& kIdx>
   static Px permute_bytes2(Px a, Px b) {
     static constexpr auto kPlan = byte_plan::plan(kIdx);
-    Px out = pass<kPlan, 0>(a, b);
-    if constexpr (kPlan.passes > 1) out = _mm256_or_si256(out, pass<kPlan, 1>(a, b));
-    if constexpr (kPlan.passes > 2) out = _mm256_or_si256(out, pass<kPlan, 2>(a, b));
-    if constexpr (kPlan.passes > 3) out = _mm256_or_si256(out, pass<kPlan, 3>(a, b));
+    Px out = permute_bytes_pass<kPlan, 0>(a, b);
+    if constexpr (kPlan.passes > 1) out = or_(out, permute_bytes_pass<kPlan, 1>(a, b));
+    if constexpr (kPlan.passes > 2) out = or_(out, permute_bytes_pass<kPlan, 2>(a, b));
+    if constexpr (kPlan.passes > 3) out = or_(out, permute_bytes_pass<kPlan, 3>(a, b));
     return out;
   }
   template <const auto& kPlan, int kPass>
-  static Px pass(Px a, Px b) {
+  static Px permute_bytes_pass(Px a, Px b) {  // one pass of a byte_plan::Plan
     constexpr auto& lane = kPlan.lane[kPass];
     const Px idx = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(lane.data()));
     Px moved;

@@ -221,6 +221,8 @@ struct V {
   static Px gather_px_pairs(const std::uint32_t* base, Px idx) {
     return _mm512_i32gather_epi64(_mm512_cvtepi64_epi32(idx), base, 4);
   }
+  // Pixel k = pixel idx_k of a (idx_k < 16).
+  static Px permute_px(Px a, Px idx) { return _mm512_permutexvar_epi32(idx, a); }
   // Pixel k = pixel idx_k of the 32 pixels of a, then b (idx_k < 32).
   static Px permute_px2(Px a, Px b, Px idx) { return _mm512_permutex2var_epi32(a, idx, b); }
   // Byte k = byte kIdx[k] of the 128 bytes of a, then b (byte_plan::kZero: zero), kIdx a
@@ -228,14 +230,14 @@ struct V {
   template <const auto& kIdx>
   static Px permute_bytes2(Px a, Px b) {
     static constexpr auto kPlan = byte_plan::plan(kIdx);
-    Px out = pass<kPlan, 0>(a, b);
-    if constexpr (kPlan.passes > 1) out = _mm512_or_si512(out, pass<kPlan, 1>(a, b));
-    if constexpr (kPlan.passes > 2) out = _mm512_or_si512(out, pass<kPlan, 2>(a, b));
-    if constexpr (kPlan.passes > 3) out = _mm512_or_si512(out, pass<kPlan, 3>(a, b));
+    Px out = permute_bytes_pass<kPlan, 0>(a, b);
+    if constexpr (kPlan.passes > 1) out = or_(out, permute_bytes_pass<kPlan, 1>(a, b));
+    if constexpr (kPlan.passes > 2) out = or_(out, permute_bytes_pass<kPlan, 2>(a, b));
+    if constexpr (kPlan.passes > 3) out = or_(out, permute_bytes_pass<kPlan, 3>(a, b));
     return out;
   }
   template <const auto& kPlan, int kPass>
-  static Px pass(Px a, Px b) {
+  static Px permute_bytes_pass(Px a, Px b) {  // one pass of a byte_plan::Plan
     const Px idx = _mm512_loadu_si512(kPlan.lane[kPass].data());
     Px moved;
     if constexpr (!kPlan.uses_b[kPass])

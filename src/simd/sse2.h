@@ -246,6 +246,8 @@ struct V {
 
  public:
   // ---- resampling, zoom and unpacking ----
+  // (SSE2 has no variable shuffle, so this policy has no permute_px, permute_px2 or permute_bytes2:
+  // kernels that use them choose another path for it, or are not built for it.)
   static Px sub32(Px a, Px b) { return _mm_sub_epi32(a, b); }
   static Px srl64(Px a, int n) { return _mm_srli_epi64(a, n); }
   // Each odd 32-bit lane takes the even lane below it: x0 x0 x2 x2.
