@@ -86,8 +86,9 @@ using ZoomOutFn = void(std::uint32_t* dst, std::int32_t dst_width, std::int32_t 
 QX_KERNEL_FORMS(ZoomOutFn, zoom_out)
 
 // The frame of every form of qx_zoom_outNx: the factors once per call, row_for(fx) once to make
-// the form's row function, then row(dst_row, src_row) for each row, where a row takes
-// dst_row[c] = src_row[c * fx] for c < dst_width.
+// the form's row function, then row(dst_row, src_row, next_src_row) for each row, where a row
+// takes dst_row[c] = src_row[c * fx] for c < dst_width (next_src_row is where the next row will
+// read, null for the last row: a hint for prefetching).
 template <class RowFor>
 inline void zoom_out_frame(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
                            const std::uint32_t* src, std::int32_t src_width,
@@ -96,8 +97,10 @@ inline void zoom_out_frame(std::uint32_t* dst, std::int32_t dst_width, std::int3
   const std::ptrdiff_t fx = src_width / dst_width + (src_width % dst_width != 0);
   const std::ptrdiff_t fy = src_height / dst_height + (src_height % dst_height != 0);
   const auto row = row_for(fx);
-  for (std::int32_t r = 0; r < dst_height; ++r)
-    row(dst + std::ptrdiff_t{r} * dst_width, src + r * fy * src_width);
+  for (std::int32_t r = 0; r < dst_height; ++r) {
+    const std::uint32_t* s = src + r * fy * src_width;
+    row(dst + std::ptrdiff_t{r} * dst_width, s, r + 1 < dst_height ? s + fy * src_width : nullptr);
+  }
 }
 
 }  // namespace qx

@@ -50,7 +50,7 @@ void scale_1d(std::uint32_t* dst, std::int32_t dst_count, const std::uint32_t* s
 void zoom_out(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
               const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height) {
   zoom_out_frame(dst, dst_width, dst_height, src, src_width, src_height, [=](std::ptrdiff_t fx) {
-    return [=](std::uint32_t* d, const std::uint32_t* s) {
+    return [=](std::uint32_t* d, const std::uint32_t* s, const std::uint32_t*) {
       for (std::int32_t c = 0; c < dst_width; ++c) d[c] = s[c * fx];
     };
   });
