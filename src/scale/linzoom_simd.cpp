@@ -63,7 +63,7 @@ void zoom_in2x1d(std::uint32_t* dst, const std::uint32_t* src, std::int32_t coun
     const std::uintptr_t past = reinterpret_cast<std::uintptr_t>(dst) % kBytes;
     std::int32_t i = P;
     if (past != 0 && past % 8 == 0) i = static_cast<std::int32_t>((kBytes - past) / 8);
-    for (; n - i >= P; i += P) at(i);
+    for (const std::int32_t last = n - P; i <= last; i += P) at(i);
     if (i < n && n > P) at(n - P);
     return;
   }

@@ -46,7 +46,7 @@ inline void average_rows(std::uint32_t* dst, const std::uint32_t* a, const std::
     const std::uintptr_t past = reinterpret_cast<std::uintptr_t>(dst) % kBytes;
     std::ptrdiff_t i = P;
     if (past != 0 && past % 4 == 0) i = static_cast<std::ptrdiff_t>((kBytes - past) / 4);
-    for (; n - i >= P; i += P) at(i);
+    for (const std::ptrdiff_t last = n - P; i <= last; i += P) at(i);
     if (i < n) at(n - P);
   } else if (n > 0) {
     const std::size_t bytes = sizeof(std::uint32_t) * static_cast<std::size_t>(n);

@@ -152,13 +152,14 @@ void zoom_row(std::uint32_t* d, const std::uint32_t* s, std::int32_t width, std:
     // while there is one, so that nothing past the row's last sample is read.
     // The rows it reads are not adjacent, which the processor's own prefetching does not foresee:
     // ask for the next row's lines while this row is read.
-    for (; c + P < width; c += P) {
+    for (const std::int32_t end = width - P; c < end; c += P) {
       if (next != nullptr)
         for (std::int32_t line = 0; line < 2 * P; line += 16) prefetch(next + 2 * c + line);
       V::store(d + c, V::even_px(V::load(s + 2 * c), V::load(s + 2 * c + P)));
     }
   } else if (gathers) {
-    for (; c + P <= width; c += P) V::store(d + c, V::gather_px(s + c * fx, offsets));
+    for (const std::int32_t end = width - P; c <= end; c += P)
+      V::store(d + c, V::gather_px(s + c * fx, offsets));
   }
   if (c == width) return;
   if (gathers && width >= 2 * P) {
