@@ -152,16 +152,41 @@ void zoom_row(std::uint32_t* d, const std::uint32_t* s, std::int32_t width, std:
     // while there is one, so that nothing past the row's last sample is read.
     // The rows it reads are not adjacent, which the processor's own prefetching does not foresee:
     // ask for the next row's lines while this row is read.
-    for (const std::int32_t end = width - P; c < end; c += P) {
+    // After the first vector, start where the stores fall on vector boundaries (rewriting a few
+    // pixels with the values they have) unless dst overlaps the source those pixels come from.
+    const auto at = [=](std::int32_t c) {
       if (next != nullptr)
         for (std::int32_t line = 0; line < 2 * P; line += 16) prefetch(next + 2 * c + line);
       V::store(d + c, V::even_px(V::load(s + 2 * c), V::load(s + 2 * c + P)));
+    };
+    const std::int32_t end = width - P;
+    if (c < end) {
+      at(0);
+      constexpr std::uintptr_t kBytes = 4 * P;
+      const auto addr = [](const void* p) { return reinterpret_cast<std::uintptr_t>(p); };
+      const std::uintptr_t past = addr(d) % kBytes;
+      c = P;
+      if (past != 0 && past % 4 == 0) {
+        const auto aligned = static_cast<std::int32_t>((kBytes - past) / 4);
+        if (addr(d + P) <= addr(s + 2 * aligned) || addr(s + 2 * std::ptrdiff_t{width}) <= addr(d))
+          c = aligned;
+      }
+      for (; c < end; c += P) at(c);
     }
   } else if (gathers) {
     for (const std::int32_t end = width - P; c <= end; c += P)
       V::store(d + c, V::gather_px(s + c * fx, offsets));
   }
   if (c == width) return;
+  if (fx == 2 && width > 2 * P) {
+    // The rest as one more vector ending at the row's end, rewriting pixels with the values they
+    // have: the odd pixels of the 2P pixels that end with the row's last sample. They lie at
+    // s + 2 * (width - P) - 1 and on, past every pixel written so far even when dst is src
+    // (d <= s, width > 2P).
+    const std::uint32_t* w = s + 2 * (width - P) - 1;
+    V::store(d + (width - P), V::odd_px(V::load(w), V::load(w + P)));
+    return;
+  }
   if (gathers && width >= 2 * P) {
     // The rest as one more vector ending at the row's end, rewriting pixels with the values they
     // have. Its samples lie at s + (width - P) * fx and on, past every pixel written so far even

@@ -232,6 +232,12 @@ struct V {
         _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), _MM_SHUFFLE(2, 0, 2, 0)));
     return _mm256_permute4x64_epi64(even, _MM_SHUFFLE(3, 1, 2, 0));  // a0 a2 b0 b2 | a4 a6 b4 b6
   }
+  // The odd pixels of a, then those of b.
+  static Px odd_px(Px a, Px b) {
+    const Px odd = _mm256_castps_si256(
+        _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), _MM_SHUFFLE(3, 1, 3, 1)));
+    return _mm256_permute4x64_epi64(odd, _MM_SHUFFLE(3, 1, 2, 0));  // a1 a3 b1 b3 | a5 a7 b5 b7
+  }
   // Pixel k = base[idx_k] (any alignment).
   static Px gather_px(const std::uint32_t* base, Px idx) {
     return _mm256_i32gather_epi32(reinterpret_cast<const int*>(base), idx, 4);

@@ -213,6 +213,11 @@ struct V {
     return _mm512_permutex2var_epi32(
         a, _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30), b);
   }
+  // The odd pixels of a, then those of b.
+  static Px odd_px(Px a, Px b) {
+    return _mm512_permutex2var_epi32(
+        a, _mm512_setr_epi32(1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31), b);
+  }
   // Pixel k = base[idx_k] (any alignment).
   static Px gather_px(const std::uint32_t* base, Px idx) {
     return _mm512_i32gather_epi32(idx, base, 4);

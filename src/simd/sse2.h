@@ -269,6 +269,11 @@ struct V {
     return _mm_castps_si128(
         _mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), _MM_SHUFFLE(2, 0, 2, 0)));
   }
+  // The odd pixels of a, then those of b.
+  static Px odd_px(Px a, Px b) {
+    return _mm_castps_si128(
+        _mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), _MM_SHUFFLE(3, 1, 3, 1)));
+  }
   // Pixel k = base[idx_k] (any alignment).
   static Px gather_px(const std::uint32_t* base, Px idx) {
     const Px i1 = _mm_shuffle_epi32(idx, _MM_SHUFFLE(1, 1, 1, 1));
