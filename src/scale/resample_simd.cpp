@@ -44,8 +44,8 @@ Px mix(Px left, Px right, Px pos) {
 // The outputs at positions pos, taps gathered from src.
 Px gathered(const std::uint32_t* src, Px pos) {
   const Px i = V::srl32(pos, 8);
-  const Px at_even = V::gather_px_pairs(src, i);               // P[i_2m], P[i_2m + 1]
-  const Px at_odd = V::gather_px_pairs(src, V::srl64(i, 32));  // P[i_2m+1], P[i_2m+1 + 1]
+  Px at_even, at_odd;  // P[i_2m], P[i_2m + 1] and P[i_2m+1], P[i_2m+1 + 1]
+  V::gather_px_pairs(src, i, at_even, at_odd);
   return mix(at_even, V::trn_odd_px(at_even, at_odd), pos);
 }
 
@@ -94,7 +94,8 @@ Plan plan(const ScaleSteps& s, std::int32_t src_count) {
 }
 
 template <class W>
-void scale_row(std::uint32_t* dst, const std::uint32_t* src, const Plan& p) {
+void scale_row(std::uint32_t* dst, const std::uint32_t* src,
+               const Plan p) {  // (p by value: dst cannot alias it)
   alignas(64) std::uint32_t lanes[P];
   for (std::int32_t k = 0; k < P; ++k) lanes[k] = static_cast<std::uint32_t>(k) * p.s.step;
   Px pos = V::load(lanes);  // the positions of the current vector of outputs

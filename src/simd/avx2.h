@@ -242,11 +242,13 @@ struct V {
   static Px gather_px(const std::uint32_t* base, Px idx) {
     return _mm256_i32gather_epi32(reinterpret_cast<const int*>(base), idx, 4);
   }
-  // Pixels 2m and 2m + 1 = base[idx_2m] and base[idx_2m + 1] (the odd lanes of idx are not used).
-  static Px gather_px_pairs(const std::uint32_t* base, Px idx) {
-    const __m128i even = _mm256_castsi256_si128(
-        _mm256_permutevar8x32_epi32(idx, _mm256_setr_epi32(0, 2, 4, 6, 0, 2, 4, 6)));
-    return _mm256_i32gather_epi64(reinterpret_cast<const long long*>(base), even, 4);
+  // A pair of adjacent pixels at each lane's index: pixels 2m and 2m + 1 of `even` are
+  // base[idx_2m] and base[idx_2m + 1], those of `odd` base[idx_2m+1] and base[idx_2m+1 + 1].
+  static void gather_px_pairs(const std::uint32_t* base, Px idx, Px& even, Px& odd) {
+    const Px split = _mm256_permutevar8x32_epi32(idx, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
+    const auto* b = reinterpret_cast<const long long*>(base);
+    even = _mm256_i32gather_epi64(b, _mm256_castsi256_si128(split), 4);
+    odd = _mm256_i32gather_epi64(b, _mm256_extracti128_si256(split, 1), 4);
   }
   // Pixel k = pixel idx_k of a (idx_k < 8).
   static Px permute_px(Px a, Px idx) { return _mm256_permutevar8x32_epi32(a, idx); }

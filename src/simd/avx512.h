@@ -222,9 +222,11 @@ struct V {
   static Px gather_px(const std::uint32_t* base, Px idx) {
     return _mm512_i32gather_epi32(idx, base, 4);
   }
-  // Pixels 2m and 2m + 1 = base[idx_2m] and base[idx_2m + 1] (the odd lanes of idx are not used).
-  static Px gather_px_pairs(const std::uint32_t* base, Px idx) {
-    return _mm512_i32gather_epi64(_mm512_cvtepi64_epi32(idx), base, 4);
+  // A pair of adjacent pixels at each lane's index: pixels 2m and 2m + 1 of `even` are
+  // base[idx_2m] and base[idx_2m + 1], those of `odd` base[idx_2m+1] and base[idx_2m+1 + 1].
+  static void gather_px_pairs(const std::uint32_t* base, Px idx, Px& even, Px& odd) {
+    even = _mm512_i32gather_epi64(_mm512_cvtepi64_epi32(idx), base, 4);
+    odd = _mm512_i32gather_epi64(_mm512_cvtepi64_epi32(_mm512_srli_epi64(idx, 32)), base, 4);
   }
   // Pixel k = pixel idx_k of a (idx_k < 16).
   static Px permute_px(Px a, Px idx) { return _mm512_permutexvar_epi32(idx, a); }

@@ -283,11 +283,14 @@ struct V {
     const Px p23 = _mm_unpacklo_epi32(load32(base + lane0(i2)), load32(base + lane0(i3)));
     return _mm_unpacklo_epi64(p01, p23);
   }
-  // Pixels 2m and 2m + 1 = base[idx_2m] and base[idx_2m + 1]: one pair of adjacent pixels per
-  // even lane of idx (the odd lanes of idx are not used).
-  static Px gather_px_pairs(const std::uint32_t* base, Px idx) {
-    const Px i2 = _mm_shuffle_epi32(idx, _MM_SHUFFLE(2, 2, 2, 2));
-    return _mm_unpacklo_epi64(load64(base + lane0(idx)), load64(base + lane0(i2)));
+  // A pair of adjacent pixels at each lane's index: pixels 2m and 2m + 1 of `even` are
+  // base[idx_2m] and base[idx_2m + 1], those of `odd` base[idx_2m+1] and base[idx_2m+1 + 1]. (The
+  // indices go through memory: one store, then four scalar loads the store forwards to.)
+  static void gather_px_pairs(const std::uint32_t* base, Px idx, Px& even, Px& odd) {
+    alignas(16) std::uint32_t i[4];
+    _mm_store_si128(reinterpret_cast<__m128i*>(i), idx);
+    even = _mm_unpacklo_epi64(load64(base + i[0]), load64(base + i[2]));
+    odd = _mm_unpacklo_epi64(load64(base + i[1]), load64(base + i[3]));
   }
   // The first halves of a and b (concat_lo), or their second halves (concat_hi), one after the
   // other.
