@@ -42,12 +42,12 @@ void lin_pix(std::uint32_t* dst, const std::uint32_t* src1, const std::uint32_t*
   });
 }
 
-// Whole vectors of source pixels, the predecessors of each one unaligned load one pixel back (the
-// first vector's from its own pixels, the first its own predecessor). After the first vector the
-// vectors start where their stores fall on vector boundaries, and the last one ends at the line's
-// end; both may overlap pixels already done, rewriting them with the same values. A line shorter
-// than a vector goes through scratch. Nothing outside the line's first 4 * (count / 4) pixels is
-// read or written.
+// Whole vectors of source pixels, the predecessors of each taken from it and the vector before
+// (the first vector's from its own pixels, the first its own predecessor). After the first vector
+// the vectors start where their stores fall on vector boundaries, and the last one ends at the
+// line's end (its predecessors one unaligned load back); both may overlap pixels already done,
+// rewriting them with the same values. A line shorter than a vector goes through scratch. Nothing
+// outside the line's first 4 * (count / 4) pixels is read or written.
 void zoom_in2x1d(std::uint32_t* dst, const std::uint32_t* src, std::int32_t count) {
   const std::int32_t n = count / kGroup * kGroup;  // the last count % 4 pixels are not used
   if (n <= 0) return;
@@ -55,15 +55,23 @@ void zoom_in2x1d(std::uint32_t* dst, const std::uint32_t* src, std::int32_t coun
     double_vector(dst + 2 * std::ptrdiff_t{i}, V::load(src + i - 1), V::load(src + i));
   };
   if (n >= P) {
-    const V::Px first = V::load(src);
-    double_vector(dst, V::repeat_first_px(first), first);
+    V::Px prev = V::load(src);
+    double_vector(dst, V::repeat_first_px(prev), prev);
     // Output pixel 2i lies 8i bytes into dst: start at the first i in [1, P] that puts the stores
-    // on vector boundaries, if one does.
+    // on vector boundaries, if one does. Each source pixel is loaded once: a reload one pixel
+    // back would split a cache line on most vectors of the wider sets.
     constexpr std::uintptr_t kBytes = 4 * P;
     const std::uintptr_t past = reinterpret_cast<std::uintptr_t>(dst) % kBytes;
     std::int32_t i = P;
-    if (past != 0 && past % 8 == 0) i = static_cast<std::int32_t>((kBytes - past) / 8);
-    for (const std::int32_t last = n - P; i <= last; i += P) at(i);
+    if (past != 0 && past % 8 == 0) {
+      i = static_cast<std::int32_t>((kBytes - past) / 8);
+      prev = V::set_px(load_px(src + i - 1));  // (only its last pixel counts)
+    }
+    for (const std::int32_t last = n - P; i <= last; i += P) {
+      const V::Px cur = V::load(src + i);
+      double_vector(dst + 2 * std::ptrdiff_t{i}, V::shift_in_px(cur, prev), cur);
+      prev = cur;
+    }
     if (i < n && n > P) at(n - P);
     return;
   }

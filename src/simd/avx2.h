@@ -226,6 +226,11 @@ struct V {
   static Px repeat_first_px(Px x) {
     return _mm256_permutevar8x32_epi32(x, _mm256_setr_epi32(0, 0, 1, 2, 3, 4, 5, 6));
   }
+  // Each pixel's predecessor when prev holds the pixels just before cur: the last pixel of prev,
+  // then pixels 0 .. last - 1 of cur.
+  static Px shift_in_px(Px cur, Px prev) {
+    return _mm256_alignr_epi8(cur, _mm256_permute2x128_si256(prev, cur, 0x21), 12);
+  }
   // The even pixels of a, then those of b: a0 a2 a4 a6 b0 b2 b4 b6.
   static Px even_px(Px a, Px b) {
     const Px even = _mm256_castps_si256(

@@ -208,6 +208,9 @@ struct V {
     return _mm512_permutexvar_epi32(
         _mm512_setr_epi32(0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14), x);
   }
+  // Each pixel's predecessor when prev holds the pixels just before cur: the last pixel of prev,
+  // then pixels 0 .. last - 1 of cur.
+  static Px shift_in_px(Px cur, Px prev) { return _mm512_alignr_epi32(cur, prev, 15); }
   // The even pixels of a, then those of b: a0 a2 ... a14 b0 b2 ... b14.
   static Px even_px(Px a, Px b) {
     return _mm512_permutex2var_epi32(

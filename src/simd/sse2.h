@@ -264,6 +264,11 @@ struct V {
   static Px zip_hi_px(Px a, Px b) { return _mm_unpackhi_epi32(a, b); }
   // Pixel 0, then pixels 0 .. last - 1: each pixel's predecessor, the first its own.
   static Px repeat_first_px(Px x) { return _mm_shuffle_epi32(x, _MM_SHUFFLE(2, 1, 0, 0)); }
+  // Each pixel's predecessor when prev holds the pixels just before cur: the last pixel of prev,
+  // then pixels 0 .. last - 1 of cur.
+  static Px shift_in_px(Px cur, Px prev) {
+    return _mm_or_si128(_mm_slli_si128(cur, 4), _mm_srli_si128(prev, 12));
+  }
   // The even pixels of a, then those of b: a0 a2 b0 b2.
   static Px even_px(Px a, Px b) {
     return _mm_castps_si128(
