@@ -95,11 +95,12 @@ build() {  # <arch> [cmake arguments]
   check_tables "$1-w64-mingw32-objdump" "build/mingw-$1/bin/qxpixlib.dll"
 }
 
-run_suite() {  # <arch> <wine loader> [environment]: the whole suite, then the host program
+run_suite() {  # <arch> <wine loader> [environment]: the whole suite, then the host programs
   local bin=build/mingw-$1/bin
   env "${@:3}" "$2" "$bin/qxpixlib_tests.exe" --gtest_brief=1
   env "${@:3}" "$2" "$bin/qxpixlib_host.exe"
-  say "$1: suite and host program passed under wine"
+  env "${@:3}" "$2" "$bin/qxpixlib_linked.exe"
+  say "$1: suite and host programs passed under wine"
 }
 
 # Wine's first start (creating a prefix) and the search for 32-bit wine run while x86_64 builds.
