@@ -38,6 +38,7 @@ struct LineKernel {
   bool lut = false;
   bool param = false;
   std::vector<LineForm> forms;  // forms[0] is the scalar form, the reference for the others
+  std::size_t chosen = 0;       // forms[chosen] is what the export runs here (qx::best_form)
 };
 
 // Calling shapes, keyed by the function type of a kernel's forms.
@@ -138,6 +139,7 @@ LineKernel line_kernel(std::string name, const Form<Fn> (&forms)[N], Fn* exporte
   LineKernel k{std::move(name), S::inputs, S::mask, S::lut, S::param, {}};
   for (const Form<Fn>& f : forms) {
     Fn* fn = f.fn;
+    if (fn == best_form(forms)) k.chosen = k.forms.size();
     k.forms.push_back({isa_name(f.isa), f.isa, [fn](const LineCall& c) { S::call(fn, c); }});
   }
   k.forms.push_back(

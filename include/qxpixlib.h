@@ -14,14 +14,27 @@
  *   - nothing past the last pixel of an input line is read;
  *   - mask lines hold one byte per pixel at any alignment and must stay readable up to the next
  *     multiple of 4 pixels (they are read four bytes at a time; the extra bytes never reach dst);
+ *     when `count` <= 0 nothing at all is read, so the mask may then be null;
  *   - `lut` points to 256 bytes, all of which may be read;
  *   - opacities and weights are in 1/256 units; any value above 256, and so any negative value
  *     passed as a signed integer, acts as 256.
- * Every function is re-entrant: calls on disjoint output lines may run on any threads at once. */
+ * Every function is re-entrant: calls on disjoint output lines may run on any threads at once.
+ *
+ * Instruction sets: each function has a portable form and, on x86, forms for wider instruction
+ * sets, all giving the same bytes; the library uses the best one the processor runs. The
+ * environment variable QXPIXLIB_MAX_ISA caps that choice at a tier, to run as an older processor
+ * would (for testing, or to compare speeds): scalar, sse2, ssse3, avx2, avx512 (F, BW, VL) or
+ * avx512vbmi, case ignored. Each function then uses its best form at or below the tier (scalar
+ * means no vector code). It is read once per process, before the first function chooses its
+ * form; setting it later has no effect, and a value that names no tier is ignored. */
 #ifndef QXPIXLIB_H
 #define QXPIXLIB_H
 
 #include <stdint.h>
+
+/* QXPIXLIB_VERSION_MAJOR, _MINOR, _PATCH and QXPIXLIB_VERSION_STRING ("1.0.0"): the version of the
+ * library this header came with, installed beside it. */
+#include "qxpixlib_version.h"
 
 #if defined(_WIN32) || defined(__CYGWIN__)
 #if defined(QXPIXLIB_BUILDING)
@@ -154,9 +167,13 @@ QX_API void QX_CALL qx_zoom_in2x1d(uint32_t* dst, const uint32_t* src, int32_t c
 /* Doubles a picture of `height` rows of `width` pixels (rows `src_stride` pixels apart) into a
  * packed block of 2 * height rows of 2 * width pixels: even rows doubled as by qx_zoom_in2x1d, odd
  * rows the truncated average of their neighbours over the first 4 * (width / 2) pixels, the last
- * row a copy of the one before. The copy is made also when height <= 0: output row 1 then receives
- * a copy of output row 0. A negative width writes nothing. dst, src and every row 16-byte aligned
- * (so width even and src_stride a multiple of 4); dst must not overlap src. */
+ * row a copy of the one before. A negative width writes nothing. dst, src and every row 16-byte
+ * aligned (so width even and src_stride a multiple of 4); dst must not overlap src.
+ * Two cases put bytes in dst that do not come from src:
+ *   - width % 4 == 2: the last 4 pixels of every output row are what dst held before the call
+ *     (even rows and the last row leave them unwritten; odd rows average those stale pixels).
+ *   - height <= 0: nothing is read from src, but output row 1 is still overwritten with a copy of
+ *     output row 0, which the call did not write (2 rows of dst must be writable). */
 QX_API void QX_CALL qx_zoom_in2x2d(uint32_t* dst, const uint32_t* src, int32_t width,
                                    int32_t height, int32_t src_stride);
 
@@ -179,8 +196,12 @@ QX_API void QX_CALL qx_scale_horz(uint32_t* dst, int32_t dst_width, int32_t dst_
 
 /* Shrinks a packed picture by whole factors, taking the top-left pixel of each block:
  * dst[r * dst_width + c] = src[r * fy * src_width + c * fx], fx = src_width / dst_width rounded up,
- * fy likewise. Samples are not clamped: a row may read on into the next source row, and the last
- * rows may lie past src_height; src must be sized for that. Any size <= 0 writes nothing. */
+ * fy likewise. Any size <= 0 writes nothing.
+ * Samples are not clamped, so src is read beyond its picture when the factors round up: output
+ * row r reads source row r * fy, at or past src_height when fy * (dst_height - 1) >= src_height
+ * (3x4 -> 3x3: fy = 2, the last output row is source row 4), and column c reads c * fx, in the
+ * next source row when fx * (dst_width - 1) >= src_width (10 -> 6 wide: column 5 reads pixel 10).
+ * src must be readable up to pixel (dst_height - 1) * fy * src_width + (dst_width - 1) * fx. */
 QX_API void QX_CALL qx_zoom_outNx(uint32_t* dst, int32_t dst_width, int32_t dst_height,
                                   const uint32_t* src, int32_t src_width, int32_t src_height);
 

@@ -1,10 +1,18 @@
 #!/usr/bin/env bash
-# Builds the release library and runs the benchmark summary (medians of 3 repetitions).
-# Extra arguments go to the benchmark, e.g. --benchmark_filter=blend
+# Builds the release library, qxpix and the benchmark, with the peer libraries it compares against
+# (libyuv, pixman, FFmpeg's libavcodec); writes qxpix's demo into build/demo (its contact sheet is
+# build/demo/index.png), then prints the benchmark summary: one table per mode. Takes a minute or
+# two. Extra arguments go to the benchmark, e.g. --raw (every row as well),
+# --benchmark_filter=blend, --benchmark_repetitions=15.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/deps.sh
+bash scripts/deps.sh pkg-config libyuv-dev libpixman-1-dev libavcodec-dev
 cmake -S . -B build/release -DCMAKE_BUILD_TYPE=Release -DQX_BUILD_TESTS=OFF
 cmake --build build/release -j "$(nproc)"
-exec build/release/bench/qxpixlib_bench --benchmark_min_time=0.05 --benchmark_repetitions=3 \
-  --benchmark_report_aggregates_only=true --benchmark_counters_tabular=true "$@"
+build/release/tools/qxpix/qxpix demo build/demo
+# One core for the whole run (the last one this process may use), when taskset is there.
+pin=()
+if command -v taskset >/dev/null; then
+  pin=(taskset -c "$(taskset -pc $$ | sed 's/.*[:,-] *//')")
+fi
+exec "${pin[@]}" build/release/bench/qxpixlib_bench "$@"

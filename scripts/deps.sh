@@ -3,7 +3,9 @@
 # Extra package names may be given as arguments.
 set -euo pipefail
 need=()
-for pkg in cmake g++ make binutils libgtest-dev libbenchmark-dev "$@"; do
+# (qxpix: libspng-dev, libcli11-dev, pkg-config; its bench --plot: gnuplot-nox)
+for pkg in cmake g++ make binutils libgtest-dev libbenchmark-dev libspng-dev libcli11-dev pkg-config \
+  gnuplot-nox "$@"; do
   dpkg -s "$pkg" >/dev/null 2>&1 || need+=("$pkg")
 done
 if [ ${#need[@]} -gt 0 ]; then
@@ -13,5 +15,6 @@ if [ ${#need[@]} -gt 0 ]; then
   # that cannot be fetched, such as a foreign architecture's mid-sync, leaves the others usable)
   $sudo apt-get -o DPkg::Lock::Timeout=600 update -qq ||
     echo "deps.sh: some package indexes could not be fetched; installing from the others" >&2
-  DEBIAN_FRONTEND=noninteractive $sudo apt-get -o DPkg::Lock::Timeout=600 install -y -qq "${need[@]}"
+  DEBIAN_FRONTEND=noninteractive $sudo apt-get -o DPkg::Lock::Timeout=600 install -y -qq \
+    --no-install-recommends "${need[@]}"
 fi

@@ -1,5 +1,5 @@
-// The shared library's export table: the qx_ interface and nothing else. On Windows also what a
-// host needs beside it: nothing but system DLLs.
+// The symbols the library shows hosts: the qx_ interface and nothing else (on Windows also what a
+// host needs beside the DLL: nothing but system DLLs); and the version macros.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/check.h"
+#include "qxpixlib.h"
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -62,6 +63,7 @@ PeTables pe_tables(HMODULE module) {
   return t;
 }
 
+#ifdef QX_SHARED_LIBRARY
 TEST(SharedLibrary, ExportsExactlyTheInterface) {
   HMODULE lib = LoadLibraryA(QX_SHARED_LIBRARY);
   ASSERT_NE(lib, nullptr) << "LoadLibrary error " << GetLastError();
@@ -72,12 +74,14 @@ TEST(SharedLibrary, ExportsExactlyTheInterface) {
   EXPECT_EQ(t.imports, (std::set<std::string>{"KERNEL32.DLL", "MSVCRT.DLL"}));
   FreeLibrary(lib);
 }
+#endif
 
 #else
 
-std::set<std::string> defined_dynamic_symbols(const std::string& path) {
+// The symbols nm lists as defined in a library, given nm's options and the file.
+std::set<std::string> defined_symbols(const std::string& nm_args) {
   std::set<std::string> names;
-  FILE* p = popen(("nm -D --defined-only '" + path + "'").c_str(), "r");
+  FILE* p = popen(("nm --defined-only " + nm_args).c_str(), "r");
   if (!p) return names;
   char line[512];
   while (fgets(line, sizeof line, p)) {
@@ -89,12 +93,20 @@ std::set<std::string> defined_dynamic_symbols(const std::string& path) {
   return names;
 }
 
+#ifdef QX_SHARED_LIBRARY
 TEST(SharedLibrary, ExportsExactlyTheInterface) {
-  EXPECT_EQ(defined_dynamic_symbols(QX_SHARED_LIBRARY), kExported);
+  EXPECT_EQ(defined_symbols("-D '" QX_SHARED_LIBRARY "'"), kExported);
 }
+#else
+// A host linking the static library meets no global name of ours but the interface.
+TEST(StaticLibrary, ExportsExactlyTheInterface) {
+  EXPECT_EQ(defined_symbols("-g '" QX_STATIC_LIBRARY "'"), kExported);
+}
+#endif
 
 #endif
 
+#ifdef QX_SHARED_LIBRARY
 // Through the loader, as a host resolves them.
 TEST(SharedLibrary, PixinitAndR210argbAreOneEntry) {
 #if defined(_WIN32)
@@ -112,6 +124,14 @@ TEST(SharedLibrary, PixinitAndR210argbAreOneEntry) {
 #else
   dlclose(lib);
 #endif
+}
+#endif
+
+TEST(PublicHeader, VersionMacrosAreTheProjectVersion) {
+  EXPECT_STREQ(QXPIXLIB_VERSION_STRING, QX_PROJECT_VERSION);
+  EXPECT_EQ(std::to_string(QXPIXLIB_VERSION_MAJOR) + "." + std::to_string(QXPIXLIB_VERSION_MINOR) +
+                "." + std::to_string(QXPIXLIB_VERSION_PATCH),
+            QX_PROJECT_VERSION);
 }
 
 TEST(SharedLibrary, HeaderWorksFromC) { EXPECT_EQ(qx_c_api_smoke(), 0); }

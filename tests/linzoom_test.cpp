@@ -112,7 +112,8 @@ TEST(Zoom, EveryFormMatchesScalarForm) {
   std::vector<std::array<std::int32_t, 3>> sizes = {{1920, 4, 1920}, {1922, 3, 1924}, {6, 4, 0}};
   for (std::int32_t w = 0; w <= 20; ++w)  // width, height, stride (0: one row repeated)
     for (std::int32_t h : {-2, 0, 1, 2, 3}) sizes.push_back({w, h, (w + 3) / 4 * 4 + 4 * (h & 1)});
-  for (const auto& [w, h, stride] : sizes) {
+  for (const auto& size : sizes) {
+    const std::int32_t w = size[0], h = size[1], stride = size[2];
     const std::size_t rows = std::max(h, 1),
                       src_px = std::max<std::size_t>(stride * (rows - 1) + w, 4);
     auto* src = page.place_as<std::uint32_t>(src_px);

@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "catalog.h"
@@ -51,6 +54,21 @@ std::vector<std::uint32_t> run_all(const std::vector<std::uint32_t>& line, std::
   return first;
 }
 
+// The outputs that (left index, right index, fraction) triples give, one triple per written
+// output; the outputs after them read back as kMarkerPx. Each byte is
+// l * (256 - f) / 256 + r * f / 256, products truncated.
+std::vector<std::uint32_t> from_taps(const std::uint32_t* line, std::size_t dst_count,
+                                     const std::uint32_t* taps, std::size_t n_taps) {
+  std::vector<std::uint32_t> want(dst_count, kMarkerPx);
+  for (std::size_t j = 0; 3 * j < n_taps; ++j) {
+    const std::uint32_t l = line[taps[3 * j]], r = line[taps[3 * j + 1]], f = taps[3 * j + 2];
+    want[j] = 0;
+    for (int k = 0; k < 32; k += 8)
+      want[j] |= (((l >> k & 255) * (256 - f) >> 8) + ((r >> k & 255) * f >> 8)) << k;
+  }
+  return want;
+}
+
 TEST(ScaleLine, WorkedTaps) {
   // {src count, dst count, then a (left index, right index, fraction) triple per written output};
   // later outputs stay unwritten. Byte = l * (256 - f) / 256 + r * f / 256, products truncated.
@@ -66,14 +84,38 @@ TEST(ScaleLine, WorkedTaps) {
   cases[5].back() = 255;
   for (const auto& c : cases) {
     const auto line = random_line(c[0], 7);
-    std::vector<std::uint32_t> want(c[1], kMarkerPx);
-    for (std::size_t j = 0; 2 + 3 * j < c.size(); ++j) {
-      const std::uint32_t l = line[c[2 + 3 * j]], r = line[c[3 + 3 * j]], f = c[4 + 3 * j];
-      want[j] = 0;
-      for (int k = 0; k < 32; k += 8)
-        want[j] |= (((l >> k & 255) * (256 - f) >> 8) + ((r >> k & 255) * f >> 8)) << k;
-    }
-    EXPECT_EQ(run_all(line, c[1]), want) << c[0] << "->" << c[1];
+    EXPECT_EQ(run_all(line, c[1]), from_taps(line.data(), c[1], c.data() + 2, c.size() - 2))
+        << c[0] << "->" << c[1];
+  }
+}
+
+// The longest source accepted: its last position, 256 * (2^23 - 1) - 1, still fits, and the last
+// output reaches the last pixel.
+TEST(ScaleLine, LongestSource) {
+  static_assert(kMaxScaleSrc == 1 << 23);
+  const std::uint32_t taps[] = {0,       1,       0,   1,       2796203, 85,
+                                5592404, 5592405, 170, 5592405, 8388607, 255};
+  // Zero pages cost nothing until written: only the tapped pixels are set.
+  const std::unique_ptr<std::uint32_t[], void (*)(void*)> src(
+      static_cast<std::uint32_t*>(std::calloc(kMaxScaleSrc, 4)), std::free);
+  ASSERT_NE(src, nullptr);
+  const auto values = random_line(std::size(taps), 5);
+  for (std::size_t t = 0; t < std::size(taps); ++t)
+    if (t % 3 != 2) src[taps[t]] = values[t];
+  const auto want = from_taps(src.get(), 4, taps, std::size(taps));
+  std::vector<std::pair<const char*, ScaleLineFn*>> forms;
+  for (const auto& form : scale_line_interp_forms)
+    if (cpu_supports(form.isa)) forms.emplace_back(isa_name(form.isa), form.fn);
+  forms.emplace_back("export", nullptr);
+  for (const auto& [name, fn] : forms) {
+    Guarded out(16, 0);
+    auto* dst = out.as<std::uint32_t>();
+    if (fn)
+      scale_1d(fn, dst, 4, src.get(), kMaxScaleSrc);
+    else
+      qx_scale_1d(dst, 4, src.get(), kMaxScaleSrc);
+    EXPECT_TRUE(out.guards_intact()) << name;
+    EXPECT_EQ(std::vector<std::uint32_t>(dst, dst + 4), want) << name;
   }
 }
 

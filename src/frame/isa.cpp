@@ -1,5 +1,8 @@
 #include "frame/isa.h"
 
+#include <cstdlib>
+#include <iterator>
+
 #if QX_X86 && defined(_MSC_VER) && !defined(__clang__)
 #include <intrin.h>
 #endif
@@ -55,22 +58,49 @@ bool cpu_supports(Isa isa) noexcept {
   return false;
 }
 
+namespace {
+// Every tier's name, indexed by its Isa value: the one list that isa_name and the cap's parser
+// share.
+constexpr const char* kIsaNames[] = {"scalar", "sse2", "ssse3", "avx2", "avx512", "avx512vbmi"};
+constexpr Isa kTopIsa = static_cast<Isa>(std::size(kIsaNames) - 1);
+
+bool same_name(const char* a, const char* b) noexcept {
+  const auto lower = [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  };
+  for (; *a && *b; ++a, ++b)
+    if (lower(*a) != lower(*b)) return false;
+  return *a == *b;
+}
+
+Isa read_cap() noexcept {
+#if defined(_MSC_VER)
+#pragma warning(suppress : 4996)  // getenv: read once, before any form is chosen
+#endif
+  const char* value = std::getenv("QXPIXLIB_MAX_ISA");
+  Isa cap = kTopIsa;
+  if (value) isa_from_name(value, cap);  // an unknown name leaves the cap at the top
+  return cap;
+}
+}  // namespace
+
 const char* isa_name(Isa isa) noexcept {
-  switch (isa) {
-    case Isa::kScalar:
-      return "scalar";
-    case Isa::kSse2:
-      return "sse2";
-    case Isa::kSsse3:
-      return "ssse3";
-    case Isa::kAvx2:
-      return "avx2";
-    case Isa::kAvx512:
-      return "avx512";
-    case Isa::kAvx512Vbmi:
-      return "avx512vbmi";
-  }
-  return "?";
+  const auto i = static_cast<std::size_t>(isa);
+  return i < std::size(kIsaNames) ? kIsaNames[i] : "?";
+}
+
+bool isa_from_name(const char* name, Isa& isa) noexcept {
+  for (std::size_t i = 0; i < std::size(kIsaNames); ++i)
+    if (same_name(name, kIsaNames[i])) {
+      isa = static_cast<Isa>(i);
+      return true;
+    }
+  return false;
+}
+
+Isa max_isa() noexcept {
+  static const Isa cap = read_cap();
+  return cap;
 }
 
 }  // namespace qx

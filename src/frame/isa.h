@@ -19,7 +19,18 @@ enum class Isa : std::uint8_t { kScalar, kSse2, kSsse3, kAvx2, kAvx512, kAvx512V
 // Evaluated once per process; kScalar is always supported.
 bool cpu_supports(Isa isa) noexcept;
 
+// The tier's lower-case name ("scalar", "sse2", ...), "?" for a value that names no tier.
 const char* isa_name(Isa isa) noexcept;
+
+// The highest tier forms may be chosen from: the tier named by the environment variable
+// QXPIXLIB_MAX_ISA (an isa_name, case ignored), or the top tier when it is unset or names no tier.
+// Read once per process, on first use, so every choice of forms sees the same cap.
+Isa max_isa() noexcept;
+// Parses a tier name as QXPIXLIB_MAX_ISA takes it; false when `name` names no tier.
+bool isa_from_name(const char* name, Isa& isa) noexcept;
+
+// True when forms built for `isa` may be chosen: the processor runs them and the cap allows them.
+inline bool may_choose(Isa isa) noexcept { return isa <= max_isa() && cpu_supports(isa); }
 
 // One implementation of a kernel. Every form of a kernel computes the same bytes.
 template <class Fn>
@@ -28,13 +39,14 @@ struct Form {
   Fn* fn;
 };
 
-// The most capable form this processor runs. Forms are listed from the scalar form up, so the
-// last supported entry wins; the scalar form at index 0 is the floor on every processor.
+// The most capable form this processor runs at or below the cap (max_isa). Forms are listed from
+// the scalar form up, so the last such entry wins; the scalar form at index 0 is the floor on
+// every processor and under every cap.
 template <class Fn, std::size_t N>
 Fn* best_form(const Form<Fn> (&forms)[N]) noexcept {
   Fn* fn = forms[0].fn;
   for (const Form<Fn>& f : forms)
-    if (cpu_supports(f.isa)) fn = f.fn;
+    if (may_choose(f.isa)) fn = f.fn;
   return fn;
 }
 

@@ -6,8 +6,7 @@
 //     remaining count % kGroup pixels through the same arithmetic, writing exactly those pixels;
 //   - the tail reads only the pixels of the line, never past pixel count - 1;
 //   - mask lines are read a whole group of kGroup bytes at a time, also in the tail, so a mask must
-//     be readable up to the next multiple of kGroup pixels; a negative count that is not a
-//     multiple of kGroup still reads the first group of mask bytes and writes nothing;
+//     be readable up to the next multiple of kGroup pixels; count <= 0 reads no input at all;
 //   - every input of a group is read before its output is stored, so dst may be the very same
 //     pointer as any input line;
 //   - the blend families' tail pairing (TailPairing::kLastFg): when count % kGroup == 2, the first
@@ -77,13 +76,6 @@ constexpr std::int32_t in1_index(std::int32_t i, std::int32_t n) noexcept {
     return i;
 }
 
-// A negative count that is not a multiple of kGroup still reads its first group of mask bytes:
-// the mask contract is the same for every count.
-inline void touch_mask_group(const std::uint8_t* mask) noexcept {
-  const volatile std::uint8_t* m = mask;
-  for (std::int32_t k = 0; k < kGroup; ++k) static_cast<void>(m[k]);
-}
-
 }  // namespace frame_detail
 
 // Scalar frame: px(in0?, in1?, mask?) -> output pixel, for each pixel in order. Pixel i reads
@@ -92,9 +84,6 @@ inline void touch_mask_group(const std::uint8_t* mask) noexcept {
 template <class S, class PxFn>
 inline void scalar_line(const Lines& l, PxFn&& px) {
   const std::int32_t n = l.count;
-  if constexpr (S::kMask) {
-    if (n < 0 && n % kGroup != 0) frame_detail::touch_mask_group(l.mask);
-  }
   for (std::int32_t i = 0; i < n; ++i) {
     const std::uint32_t a = S::kInputs > 0 ? load_px(l.in0 + i) : 0u;
     const std::uint32_t b = S::kInputs > 1 ? load_px(l.in1 + frame_detail::in1_index<S>(i, n)) : 0u;
@@ -144,8 +133,6 @@ inline void vector_line(const Lines& l, GroupFn&& grp) {
     }
     V::store(out, frame_detail::apply<S>(grp, V::load(a), V::load(b), +m));
     std::memcpy(l.dst + i, out, sizeof(std::uint32_t) * rest);
-  } else if constexpr (S::kMask) {
-    if (n < 0 && n % kGroup != 0) frame_detail::touch_mask_group(l.mask);
   }
 }
 

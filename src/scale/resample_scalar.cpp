@@ -10,7 +10,9 @@ namespace qx {
 
 void scale_step_table(std::int32_t* table, std::int32_t start, std::int32_t src_count,
                       std::int32_t dst_count) {
-  const std::int32_t end = src_count * 256 - 256;
+  // (src_count - 1) * 256 in wrapping 32-bit arithmetic: src_count * 256 alone overflows for the
+  // largest source (2^23 pixels), while the position itself still fits.
+  const auto end = static_cast<std::int32_t>((static_cast<std::uint32_t>(src_count) - 1u) * 256u);
   const bool mirrored = end < start;
   const std::int32_t distance = mirrored ? start - end : end - start;
   std::int32_t step = (distance - 1) / (dst_count - 1);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cstring>
 #include <functional>
 #include <numeric>
@@ -16,7 +17,7 @@ namespace {
 constexpr std::int32_t kLongest = 1923;
 
 std::vector<std::int32_t> counts() {
-  std::vector<std::int32_t> c;
+  std::vector<std::int32_t> c = {INT32_MIN};
   for (std::int32_t n = -9; n <= 70; ++n) c.push_back(n);
   for (std::int32_t n = 1920; n <= kLongest; ++n) c.push_back(n);
   return c;
@@ -48,8 +49,8 @@ std::string check_line_form(const harness::LineKernel& k, const harness::LineFor
 
   for (const std::int32_t count : counts()) {
     const std::size_t n = static_cast<std::size_t>(std::max(count, 0));
-    // Masks are readable up to the next whole group of four (at least one group).
-    const std::size_t mask_bytes = std::max<std::size_t>(4, (n + 3) / 4 * 4);
+    // Masks are readable up to the next whole group of four.
+    const std::size_t mask_bytes = (n + 3) / 4 * 4;
     for (auto& s : src) {
       s.resize(n + 4);
       harness::random_pixels(s, rng);
@@ -71,14 +72,16 @@ std::string check_line_form(const harness::LineKernel& k, const harness::LineFor
         break;
     }
     std::uint8_t* m = mask_page.flush(mask_bytes);
-    std::memcpy(m, mask.data(), mask_bytes);
+    std::copy(mask.begin(), mask.end(), m);
 
     const int pointers = 1 + k.inputs;
     const int combos = 1 << (2 * pointers);  // 4 misalignments per pointer
     for (int combo = 0; combo < combos; ++combo) {
       const std::uint32_t param = kParams[param_at++ % std::size(kParams)];
       const std::size_t dst_off = 4 * (combo & 3);
-      harness::LineCall call{nullptr, {nullptr, nullptr}, m, lut.data(), param, count};
+      // count <= 0 reads nothing, so a null mask must do.
+      harness::LineCall call{
+          nullptr, {nullptr, nullptr}, count > 0 ? m : nullptr, lut.data(), param, count};
       for (int i = 0; i < k.inputs; ++i) {
         const std::size_t off = 4 * ((combo >> (2 * (i + 1))) & 3);
         auto* line = in_pages[i].place_as<std::uint32_t>(n, off);
