@@ -15,7 +15,8 @@ namespace qx::test {
 namespace {
 
 // Calls fn(args[0], ..., args[n - 1]) (cdecl, one 32-bit word per argument) with the stack pointer
-// at `entry` mod 16 when fn's first instruction runs. (The ABI's own value there is 12.)
+// at `entry` mod 16 when fn's first instruction runs. (Linux's i386 ABI keeps it at 12 there;
+// 32-bit Windows promises only a multiple of 4.)
 __attribute__((naked, noinline)) void call_with_stack_at(std::uint32_t /*entry*/, qx_entry /*fn*/,
                                                          const std::uint32_t* /*args*/,
                                                          std::uint32_t /*n*/) {
@@ -31,7 +32,7 @@ __attribute__((naked, noinline)) void call_with_stack_at(std::uint32_t /*entry*/
     subl  %edx, %eax            # ...for n argument words
     andl  $-16, %eax
     movl  8(%ebp), %edx
-    addl  $4, %edx              # the call pushes 4 bytes: esp + 4 at the call is `entry`
+    addl  $4, %edx              # esp at the call: entry + 4 (the call pushes 4 bytes)
     andl  $15, %edx
     addl  %edx, %eax
     movl  %eax, %esp
