@@ -29,8 +29,8 @@ AlphaFn alpha;  // one byte shuffle per four pixels
 inline constexpr Form<AlphaFn> alpha_forms[] = {
     {Isa::kScalar, scalar::alpha},
 #if QX_X86
-    {Isa::kSse2, sse2::alpha},     {Isa::kSsse3, ssse3::alpha},
-    {Isa::kAvx2, avx2::alpha},     {Isa::kAvx512, avx512::alpha},
+    {Isa::kSse2, sse2::alpha},     {Isa::kSsse3, ssse3::alpha},           {Isa::kAvx2, avx2::alpha},
+    {Isa::kAvx512, avx512::alpha}, {Isa::kAvx512Vbmi, avx512vbmi::alpha},
 #endif
 };
 

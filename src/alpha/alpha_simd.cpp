@@ -12,9 +12,8 @@ void alpha(std::uint32_t* dst, const std::uint32_t* src, std::int32_t count) {
 
 void mask(std::uint32_t* dst, const std::uint32_t* src, const std::uint8_t* mask,
           std::int32_t count) {
-  vector_line<V, Shape<1, true>>(
-      Lines{dst, src, nullptr, mask, count},
-      [](V::Px x, const std::uint8_t* m) { return mask_group<V>(x, m); });
+  vector_line<V, Shape<1, true>>(Lines{dst, src, nullptr, mask, count},
+                                 [](V::Px x, V::Bytes m) { return mask_group<V>(x, m); });
 }
 
 }  // namespace qx::QX_SIMD

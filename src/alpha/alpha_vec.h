@@ -2,29 +2,21 @@
 // translation unit built for V's instruction set.
 #pragma once
 
-#include <cstdint>
-
 namespace qx {
 
-// Each pixel's alpha into all four of its bytes, by shifts (for instruction sets without a byte
-// shuffle).
+// Each pixel's alpha into all four of its bytes.
 template <class V>
 inline typename V::Px alpha_group(typename V::Px x) {
-  const typename V::Px a = V::srl32(x, 24);             // 00 00 00 A
-  const typename V::Px aa = V::or_(a, V::sll32(a, 8));  // 00 00 A A
-  return V::or_(aa, V::sll32(aa, 16));                  // A A A A
+  return V::alpha_bytes(x);
 }
 
-// Colour bytes kept, alpha replaced by floor(A * m / 256) with m the pixel's byte of `mask`.
-// In each pixel's upper 16-bit lane A * 256 meets m (the lower lanes meet 0), so the unsigned
-// multiply-high yields A * m >> 8 there, and an 8-bit shift of the 32-bit lane lands it in byte 3.
+// Colour bytes kept, alpha replaced by floor(A * m / 256) with m the pixel's mask byte. The 16-bit
+// product of A (the pixel's upper half shifted down by 8) and m has floor(A * m / 256) as its high
+// byte, which is byte 3 of the pixel.
 template <class V>
-inline typename V::Px mask_group(typename V::Px x, const std::uint8_t* mask) {
-  const typename V::Px alpha_bits = V::set_px(0xFF000000u);
-  const typename V::Px a = V::and_(x, alpha_bits);                                 // A * 256 : 0
-  const typename V::Px m = V::and_(V::splat_bytes(mask), V::set_px(0x00FF0000u));  // m : 0
-  const typename V::Px scaled = V::sll32(V::mulhi_u16(a, m), 8);
-  return V::or_(V::andnot(alpha_bits, x), scaled);
+inline typename V::Px mask_group(typename V::Px x, typename V::Bytes m) {
+  const typename V::Px product = V::mullo16(V::srl16(x, 8), V::words_of_bytes(m));
+  return V::select(V::set_px(0xFF000000u), product, x);
 }
 
 }  // namespace qx

@@ -1,26 +1,24 @@
-// The qx_blend arithmetic on vectors of pixels, over a vector policy V.
+// The qx_blend arithmetic on vectors of pixels, over a vector policy V (see blend.h for the
+// formula and frame/family_vec.h for the lane layout).
 #pragma once
 
 namespace qx {
 
 struct BlendArith {
-  // One half (two pixels for SSE2) in 16-bit lanes; w holds each pixel's weight in all its lanes.
   template <class V>
-  static typename V::Px half(typename V::Px bg, typename V::Px fg, typename V::Px w) {
+  static typename V::Px group(typename V::Px bg, typename V::Px fg, typename V::Px w) {
     using Px = typename V::Px;
-    const Px alpha255 = V::set16x4(0, 0, 0, 0xFF00);      // alpha lane as 255 * 256 in both inputs
-    const Px ba = V::splat_alpha(bg);                     // bg.a * 256
-    const Px p = V::mulhi_u16(ba, V::or_(bg, alpha255));  // bg.c * bg.a, alpha lane 255 * bg.a
-    const Px v = V::subs_u16(V::set16(256), w);
-    return V::add16(V::mulhi_u16(V::or_(fg, alpha255), w),  // fg.c * w / 256
-                    V::mulhi_u16(p, v));                    // p * v / 65536
-  }
-
-  template <class V>
-  static typename V::Px group(typename V::Px bg, typename V::Px fg, typename V::Px w_lo,
-                              typename V::Px w_hi) {
-    return V::pack(half<V>(V::widen_lo(bg), V::widen_lo(fg), w_lo),
-                   half<V>(V::widen_hi(bg), V::widen_hi(fg), w_hi));
+    const Px low = V::set_px(0x00FF00FFu);           // bytes 0 and 2
+    const Px v = V::sub16(V::set16(256), w);         // 256 - w
+    const Px q = V::mullo16(V::alpha_words(bg), v);  // bg.a * v <= 65280
+    // fg.c * w / 256 + bg.c * q / 65536 = fg.c * w / 256 + (bg.c * bg.a) * v / 65536, with
+    // fg.c as x * 256 and bg.c as x; each sum is at most 254.
+    const Px even = V::add16(V::mulhi_u16(V::sll16(fg, 8), w), V::mulhi_u16(V::and_(bg, low), q));
+    // Byte 1 and alpha; alpha counts as 255 in both inputs.
+    const Px fg_odd = V::or_(V::andnot(low, fg), V::set_px(0xFF000000u));  // x * 256
+    const Px bg_odd = V::or_(V::srl16(bg, 8), V::set_px(0x00FF0000u));     // x
+    const Px odd = V::add16(V::mulhi_u16(fg_odd, w), V::mulhi_u16(bg_odd, q));
+    return V::or_(even, V::sll16(odd, 8));
   }
 };
 

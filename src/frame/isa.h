@@ -65,7 +65,9 @@ auto chosen() noexcept {
 // M(namespace, Isa enumerator, args...) for each such set, in ascending order.
 #if QX_X86
 #define QX_FOR_EACH_VECTOR_ISA(M, ...) \
-  M(sse2, kSse2, __VA_ARGS__) M(avx2, kAvx2, __VA_ARGS__) M(avx512, kAvx512, __VA_ARGS__)
+  M(sse2, kSse2, __VA_ARGS__)          \
+  M(avx2, kAvx2, __VA_ARGS__)          \
+  M(avx512, kAvx512, __VA_ARGS__) M(avx512vbmi, kAvx512Vbmi, __VA_ARGS__)
 #else
 #define QX_FOR_EACH_VECTOR_ISA(M, ...)
 #endif

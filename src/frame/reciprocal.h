@@ -13,12 +13,4 @@ inline constexpr std::array<std::uint16_t, 256> ReciprocalTable = [] {
   return t;
 }();
 
-// ReciprocalTable with each entry in both 16-bit halves of a 32-bit word, for vector code that
-// fetches one word per pixel and needs the entry in every 16-bit lane of it.
-inline constexpr std::array<std::uint32_t, 256> ReciprocalPairs = [] {
-  std::array<std::uint32_t, 256> t{};
-  for (unsigned i = 0; i < 256; ++i) t[i] = ReciprocalTable[i] * 0x00010001u;
-  return t;
-}();
-
 }  // namespace qx

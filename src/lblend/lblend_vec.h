@@ -1,28 +1,25 @@
-// The qx_lblend arithmetic on one vector of pixels, over a vector policy V (see simd/).
-// Include only from a translation unit built for V's instruction set.
+// The qx_lblend arithmetic on one vector of pixels, over a vector policy V (see lblend.h for the
+// formula and frame/family_vec.h for the lane layout). Include only from a translation unit built
+// for V's instruction set.
 #pragma once
 
 namespace qx {
 
 struct LblendArith {
-  // w_lo / w_hi: each pixel's weight w (0..255) in all four of its 16-bit lanes.
   template <class V>
-  static typename V::Px group(typename V::Px bg, typename V::Px fg, typename V::Px w_lo,
-                              typename V::Px w_hi) {
+  static typename V::Px group(typename V::Px bg, typename V::Px fg, typename V::Px w) {
     using Px = typename V::Px;
-    // Background weight 256 - w on the colour lanes; the alpha lane's weight is cleared first, so
-    // it stays 256 and the background alpha passes whole into the sum.
-    const Px k256 = V::set16(256);
-    const Px colour = V::set16x4(0xFFFF, 0xFFFF, 0xFFFF, 0);
-    const Px wb_lo = V::subs_u16(k256, V::and_(w_lo, colour));
-    const Px wb_hi = V::subs_u16(k256, V::and_(w_hi, colour));
-    // Bytes widened as x * 256, so the high half of each product is x * weight / 256, truncated
-    // on its own. Colour sums stay <= 255; the alpha sum saturates in the pack.
-    const Px lo =
-        V::add16(V::mulhi_u16(V::widen_lo(bg), wb_lo), V::mulhi_u16(V::widen_lo(fg), w_lo));
-    const Px hi =
-        V::add16(V::mulhi_u16(V::widen_hi(bg), wb_hi), V::mulhi_u16(V::widen_hi(fg), w_hi));
-    return V::pack(lo, hi);
+    const Px low = V::set_px(0x00FF00FFu);     // bytes 0 and 2
+    const Px wb = V::sub16(V::set16(256), w);  // background weight 256 - w
+    // Bytes as x * 256, so the high half of each product is x * weight / 256, truncated on its own.
+    const Px even = V::add16(V::mulhi_u16(V::sll16(bg, 8), wb), V::mulhi_u16(V::sll16(fg, 8), w));
+    // Byte 1 and alpha: the background alpha's weight is 256, so bg.a passes whole into its sum,
+    // which saturates at 255 (the colour sums stay <= 255).
+    const Px wb_odd = V::select(V::set_px(0x0000FFFFu), wb, V::set16(256));
+    Px odd =
+        V::add16(V::mulhi_u16(V::andnot(low, bg), wb_odd), V::mulhi_u16(V::andnot(low, fg), w));
+    odd = V::min_s16(odd, V::set16(255));
+    return V::or_(even, V::sll16(odd, 8));
   }
 };
 

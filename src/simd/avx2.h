@@ -18,6 +18,7 @@ inline namespace QX_UNIT_NS {
 
 struct V {
   using Px = __m256i;
+  static constexpr std::int32_t kBytes = sizeof(Px);
   static constexpr std::int32_t kPixels = 8;
 
   static Px load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
@@ -45,30 +46,10 @@ struct V {
   static Px shuffle16x4(Px x) {
     return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(x, kImm), kImm);
   }
-  // Byte k of m (k < kPixels) into all four bytes of pixel k.
-  static Px splat_bytes(const std::uint8_t* m) {
-    std::uint64_t q;
-    std::memcpy(&q, m, sizeof q);
-    const Px b = _mm256_set1_epi64x(static_cast<long long>(q));  // m0..m7 in every quadword
-    const Px pattern = _mm256_setr_epi8(0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3,  //
-                                        4, 4, 4, 4, 5, 5, 5, 5, 6, 6, 6, 6, 7, 7, 7, 7);
-    return _mm256_shuffle_epi8(b, pattern);
-  }
-  // ReciprocalTable[v & 0xFF] of each pixel's first 16-bit lane v, in all four of its lanes (see
-  // the SSE2 policy), computed rather than read: for 1 <= a <= 255 the single-precision quotient
-  // 65535 / a truncates to 65535 / a exactly (65535 and a are exact, and a quotient that is not
-  // an integer lies at least 1/a > 2^-9 below the next integer, more than the half unit in the
-  // last place, 2^-9, that rounding can add), and a = 0 gives entry 0, which is 0.
-  static Px reciprocal_px(Px x) {
-    const Px a = _mm256_and_si256(x, _mm256_set1_epi32(0xFF));  // Aout, twice per pixel
-    const __m256 q = _mm256_div_ps(_mm256_set1_ps(65535.0f),
-                                   _mm256_cvtepi32_ps(_mm256_max_epi32(a, _mm256_set1_epi32(1))));
-    const Px r = _mm256_and_si256(_mm256_cvttps_epi32(q),  // entry 0 is 0
-                                  _mm256_cmpgt_epi32(a, _mm256_setzero_si256()));
-    return _mm256_or_si256(r, _mm256_slli_epi32(r, 16));
-  }
 
   static Px add16(Px a, Px b) { return _mm256_add_epi16(a, b); }
+  static Px add8(Px a, Px b) { return _mm256_add_epi8(a, b); }
+  static Px add32(Px a, Px b) { return _mm256_add_epi32(a, b); }
   static Px sub16(Px a, Px b) { return _mm256_sub_epi16(a, b); }
   static Px adds_u16(Px a, Px b) { return _mm256_adds_epu16(a, b); }
   static Px subs_u16(Px a, Px b) { return _mm256_subs_epu16(a, b); }
@@ -91,6 +72,132 @@ struct V {
   static Px or_(Px a, Px b) { return _mm256_or_si256(a, b); }
   static Px xor_(Px a, Px b) { return _mm256_xor_si256(a, b); }
   static Px andnot(Px a, Px b) { return _mm256_andnot_si256(a, b); }
+
+  // ---- line ends, per-pixel bytes and tables, pixel-wide 16-bit lanes (see simd/sse2.h) ----
+  static constexpr std::uintptr_t kStoreAlign = 32;
+
+  static Px load_n(const std::uint32_t* p, std::int32_t n, std::uint32_t fill) {
+    if (n >= kPixels) return load(p);
+    const Px keep =
+        _mm256_cmpgt_epi32(_mm256_set1_epi32(n), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+    return _mm256_blendv_epi8(_mm256_set1_epi32(static_cast<int>(fill)),
+                              _mm256_maskload_epi32(reinterpret_cast<const int*>(p), keep), keep);
+  }
+  // (Masked stores are microcoded on some processors: plain 16-, 8- and 4-byte stores instead.)
+  static void store_n(std::uint32_t* p, Px v, std::int32_t n) {
+    if (n >= kPixels) return store(p, v);
+    __m128i h = _mm256_castsi256_si128(v);
+    if (n & 4) {
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(p), h);
+      h = _mm256_extracti128_si256(v, 1);
+      p += 4;
+    }
+    if (n & 2) {
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(p), h);
+      h = _mm_srli_si128(h, 8);
+      p += 2;
+    }
+    if (n & 1) {
+      const auto x = static_cast<std::uint32_t>(_mm_cvtsi128_si32(h));
+      std::memcpy(p, &x, sizeof x);
+    }
+  }
+
+  // The eight bytes in the low half of each 128-bit lane.
+  using Bytes = Px;
+  static Bytes load_bytes(const std::uint8_t* p) {
+    return _mm256_broadcastq_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+  }
+  static Bytes load_bytes_n(const std::uint8_t* p, std::int32_t n) {
+    std::uint32_t v[2] = {0, 0};
+    for (std::int32_t k = 0; k < n && k < kPixels; ++k)
+      v[k / 4] |= std::uint32_t{p[k]} << (8 * (k % 4));
+    return _mm256_broadcastq_epi64(
+        _mm_setr_epi32(static_cast<int>(v[0]), static_cast<int>(v[1]), 0, 0));
+  }
+  static Px words_of_bytes(Bytes b) {
+    const Px pattern = _mm256_setr_epi8(0, -1, 0, -1, 1, -1, 1, -1, 2, -1, 2, -1, 3, -1, 3, -1,  //
+                                        4, -1, 4, -1, 5, -1, 5, -1, 6, -1, 6, -1, 7, -1, 7, -1);
+    return _mm256_shuffle_epi8(b, pattern);
+  }
+  static Px words_of_bytes_hi(Bytes b) {
+    const Px pattern = _mm256_setr_epi8(-1, 0, -1, 0, -1, 1, -1, 1, -1, 2, -1, 2, -1, 3, -1, 3,  //
+                                        -1, 4, -1, 4, -1, 5, -1, 5, -1, 6, -1, 6, -1, 7, -1, 7);
+    return _mm256_shuffle_epi8(b, pattern);
+  }
+  struct Table {
+    const std::uint8_t* t;
+  };
+  static Table load_table(const std::uint8_t* t) { return {t}; }
+  static void map_bytes(const Table& t, const std::uint8_t* in, std::uint8_t* out, std::int32_t n) {
+    std::int32_t k = 0;
+    for (; k + kBytes <= n; k += kBytes) store(out + k, lookup(t, load(in + k)));
+    for (; k < n; ++k) out[k] = t.t[in[k]];
+  }
+  // Sixteen byte shuffles, one per 16-entry slice of the table, on the low nibble. A shuffle gives
+  // zero where bit 7 of its index is set, so slices s and s + 8 pair up with bit 7 flipped for the
+  // second; bits 4 to 6 then pick among the eight pairs, one bit at a time (moved to bit 7 by a
+  // shift).
+  static Px lookup(const Table& t, Px x) {
+    const Px i0 = _mm256_and_si256(x, _mm256_set1_epi8(static_cast<char>(0x8F)));
+    const Px i1 = _mm256_xor_si256(i0, _mm256_set1_epi8(static_cast<char>(0x80)));
+    const auto slice = [&](int s) {
+      return _mm256_broadcastsi128_si256(
+          _mm_loadu_si128(reinterpret_cast<const __m128i*>(t.t + 16 * s)));
+    };
+    Px r[8];
+    for (int p = 0; p < 8; ++p)
+      r[p] =
+          _mm256_or_si256(_mm256_shuffle_epi8(slice(p), i0), _mm256_shuffle_epi8(slice(p + 8), i1));
+    for (int bit = 4, n = 8; bit < 7; ++bit, n /= 2) {
+      const Px pick = _mm256_slli_epi16(x, 7 - bit);
+      for (int k = 0; k < n / 2; ++k) r[k] = _mm256_blendv_epi8(r[2 * k], r[2 * k + 1], pick);
+    }
+    return r[0];
+  }
+
+  static Px alpha_words(Px x) { return bytes_by(x, 3, -1, 3, -1); }
+  static Px alpha_words_hi(Px x) { return bytes_by(x, -1, 3, -1, 3); }
+  static Px alpha_bytes(Px x) { return bytes_by(x, 3, 3, 3, 3); }
+  static Px dup_lo16(Px x) { return bytes_by(x, 0, 1, 0, 1); }
+  template <int b0, int b1, int b2, int b3>
+  static Px pixel_bytes(Px x) {
+    return bytes_by(x, b0, b1, b2, b3);
+  }
+  static Px pack_words(Px even, Px odd) {  // e0..e7 o0..o7 per 128-bit lane, then interleaved
+    return _mm256_shuffle_epi8(
+        _mm256_packus_epi16(even, odd),
+        _mm256_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15, 0, 8, 1, 9, 2, 10, 3,
+                         11, 4, 12, 5, 13, 6, 14, 7, 15));
+  }
+  static Px pack_channels(Px c0, Px c1, Px c2, Px c3) {  // c0 c2 c1 c3 per lane, then by pixel
+    const Px w = _mm256_packus_epi16(_mm256_packs_epi32(c0, c2), _mm256_packs_epi32(c1, c3));
+    return _mm256_shuffle_epi8(
+        w, _mm256_setr_epi8(0, 8, 4, 12, 1, 9, 5, 13, 2, 10, 6, 14, 3, 11, 7, 15, 0, 8, 4, 12, 1, 9,
+                            5, 13, 2, 10, 6, 14, 3, 11, 7, 15));
+  }
+  // (Byte blends take the top bit of each byte of m.)
+  static Px select(Px m, Px a, Px b) { return _mm256_blendv_epi8(b, a, m); }
+  // See simd/sse2.h.
+  static Px reciprocal_pairs(Px x) {
+    const __m256 a = _mm256_cvtepi32_ps(x);
+    const __m256 r0 = _mm256_rcp_ps(a);
+    const __m256 r1 = _mm256_mul_ps(r0, _mm256_sub_ps(_mm256_set1_ps(2.0f), _mm256_mul_ps(a, r0)));
+    return dup_lo16(_mm256_cvttps_epi32(_mm256_mul_ps(r1, _mm256_set1_ps(65535.5f * 65537.0f))));
+  }
+
+ private:
+  // Byte k of each pixel takes byte bk of the same pixel (-1: zero).
+  static Px bytes_by(Px x, int b0, int b1, int b2, int b3) {
+    const auto at = [](int b, int px) { return static_cast<char>(b < 0 ? -1 : b + 4 * px); };
+    return _mm256_shuffle_epi8(
+        x, _mm256_setr_epi8(at(b0, 0), at(b1, 0), at(b2, 0), at(b3, 0), at(b0, 1), at(b1, 1),
+                            at(b2, 1), at(b3, 1), at(b0, 2), at(b1, 2), at(b2, 2), at(b3, 2),
+                            at(b0, 3), at(b1, 3), at(b2, 3), at(b3, 3), at(b0, 0), at(b1, 0),
+                            at(b2, 0), at(b3, 0), at(b0, 1), at(b1, 1), at(b2, 1), at(b3, 1),
+                            at(b0, 2), at(b1, 2), at(b2, 2), at(b3, 2), at(b0, 3), at(b1, 3),
+                            at(b2, 3), at(b3, 3)));
+  }
 };
 
 }  // namespace QX_UNIT_NS

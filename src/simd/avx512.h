@@ -17,6 +17,7 @@ inline namespace QX_UNIT_NS {
 
 struct V {
   using Px = __m512i;
+  static constexpr std::int32_t kBytes = sizeof(Px);
   static constexpr std::int32_t kPixels = 16;
 
   static Px load(const void* p) { return _mm512_loadu_si512(p); }
@@ -44,31 +45,10 @@ struct V {
   static Px shuffle16x4(Px x) {
     return _mm512_shufflehi_epi16(_mm512_shufflelo_epi16(x, kImm), kImm);
   }
-  // Byte k of m (k < kPixels) into all four bytes of pixel k.
-  static Px splat_bytes(const std::uint8_t* m) {
-    // (the zero-masked broadcast: the plain one reads an undefined register in GCC's headers)
-    const Px b = _mm512_maskz_broadcast_i32x4(static_cast<__mmask16>(0xFFFF),
-                                              _mm_loadu_si128(reinterpret_cast<const __m128i*>(m)));
-    const Px pattern = _mm512_set_epi32(0x0F0F0F0F, 0x0E0E0E0E, 0x0D0D0D0D, 0x0C0C0C0C,  //
-                                        0x0B0B0B0B, 0x0A0A0A0A, 0x09090909, 0x08080808,  //
-                                        0x07070707, 0x06060606, 0x05050505, 0x04040404,  //
-                                        0x03030303, 0x02020202, 0x01010101, 0x00000000);
-    return _mm512_shuffle_epi8(b, pattern);
-  }
-  // ReciprocalTable[v & 0xFF] of each pixel's first 16-bit lane v, in all four of its lanes (see
-  // the SSE2 policy), computed rather than read: for 1 <= a <= 255 the single-precision quotient
-  // 65535 / a truncates to 65535 / a exactly (65535 and a are exact, and a quotient that is not
-  // an integer lies at least 1/a > 2^-9 below the next integer, more than the half unit in the
-  // last place, 2^-9, that rounding can add), and a = 0 gives entry 0, which is 0.
-  static Px reciprocal_px(Px x) {
-    const Px a = _mm512_and_si512(x, _mm512_set1_epi32(0xFF));  // Aout, twice per pixel
-    const __m512 q = _mm512_div_ps(_mm512_set1_ps(65535.0f),
-                                   _mm512_cvtepi32_ps(_mm512_max_epi32(a, _mm512_set1_epi32(1))));
-    const Px r = _mm512_maskz_cvttps_epi32(_mm512_test_epi32_mask(a, a), q);  // entry 0 is 0
-    return _mm512_or_si512(r, _mm512_slli_epi32(r, 16));
-  }
 
   static Px add16(Px a, Px b) { return _mm512_add_epi16(a, b); }
+  static Px add8(Px a, Px b) { return _mm512_add_epi8(a, b); }
+  static Px add32(Px a, Px b) { return _mm512_add_epi32(a, b); }
   static Px sub16(Px a, Px b) { return _mm512_sub_epi16(a, b); }
   static Px adds_u16(Px a, Px b) { return _mm512_adds_epu16(a, b); }
   static Px subs_u16(Px a, Px b) { return _mm512_subs_epu16(a, b); }
@@ -93,6 +73,114 @@ struct V {
   static Px or_(Px a, Px b) { return _mm512_or_si512(a, b); }
   static Px xor_(Px a, Px b) { return _mm512_xor_si512(a, b); }
   static Px andnot(Px a, Px b) { return _mm512_andnot_si512(a, b); }
+
+  // ---- line ends, per-pixel bytes and tables, pixel-wide 16-bit lanes (see simd/sse2.h) ----
+  // Whole cache lines: no store of the body splits one.
+  static constexpr std::uintptr_t kStoreAlign = 64;
+
+  static Px load_n(const std::uint32_t* p, std::int32_t n, std::uint32_t fill) {
+    return _mm512_mask_loadu_epi32(_mm512_set1_epi32(static_cast<int>(fill)), first(n), p);
+  }
+  static void store_n(std::uint32_t* p, Px v, std::int32_t n) {
+    _mm512_mask_storeu_epi32(p, first(n), v);
+  }
+
+  // The sixteen bytes in every 128-bit lane.
+  using Bytes = Px;
+  static Bytes load_bytes(const std::uint8_t* p) {
+    return _mm512_maskz_broadcast_i32x4(static_cast<__mmask16>(0xFFFF),
+                                        _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+  }
+  static Bytes load_bytes_n(const std::uint8_t* p, std::int32_t n) {
+    return _mm512_maskz_broadcast_i32x4(static_cast<__mmask16>(0xFFFF),
+                                        _mm_maskz_loadu_epi8(first(n), p));
+  }
+  static Px words_of_bytes(Bytes b) {
+    const auto px = [](std::uint32_t k) { return static_cast<int>(0xFF00FF00u | k * 0x10001u); };
+    return _mm512_shuffle_epi8(
+        b, _mm512_setr_epi32(px(0), px(1), px(2), px(3), px(4), px(5), px(6), px(7), px(8), px(9),
+                             px(10), px(11), px(12), px(13), px(14), px(15)));
+  }
+  static Px words_of_bytes_hi(Bytes b) {
+    const auto px = [](std::uint32_t k) { return static_cast<int>(0x00FF00FFu | k * 0x1000100u); };
+    return _mm512_shuffle_epi8(
+        b, _mm512_setr_epi32(px(0), px(1), px(2), px(3), px(4), px(5), px(6), px(7), px(8), px(9),
+                             px(10), px(11), px(12), px(13), px(14), px(15)));
+  }
+  struct Table {
+    const std::uint8_t* t;
+    Px slice[16];  // entries 16 s to 16 s + 15 in every 128-bit lane
+  };
+  static Table load_table(const std::uint8_t* t) {
+    Table table{t, {}};
+    for (int s = 0; s < 16; ++s) table.slice[s] = load_bytes(t + 16 * s);
+    return table;
+  }
+  static void map_bytes(const Table& t, const std::uint8_t* in, std::uint8_t* out, std::int32_t n) {
+    std::int32_t k = 0;
+    for (; k + kBytes <= n; k += kBytes) store(out + k, lookup(t, load(in + k)));
+    for (; k < n; ++k) out[k] = t.t[in[k]];
+  }
+  // As on AVX2 (simd/avx2.h): sixteen 16-entry slices paired on bit 7, then bits 4 to 6.
+  static Px lookup(const Table& t, Px x) {
+    const Px i0 = _mm512_and_si512(x, _mm512_set1_epi8(static_cast<char>(0x8F)));
+    const Px i1 = _mm512_xor_si512(i0, _mm512_set1_epi8(static_cast<char>(0x80)));
+    Px r[8];
+    for (int p = 0; p < 8; ++p)
+      r[p] = _mm512_or_si512(_mm512_shuffle_epi8(t.slice[p], i0),
+                             _mm512_shuffle_epi8(t.slice[p + 8], i1));
+    for (int bit = 4, n = 8; bit < 7; ++bit, n /= 2) {
+      const __mmask64 pick =
+          _mm512_test_epi8_mask(x, _mm512_set1_epi8(static_cast<char>(1 << bit)));
+      for (int k = 0; k < n / 2; ++k) r[k] = _mm512_mask_blend_epi8(pick, r[2 * k], r[2 * k + 1]);
+    }
+    return r[0];
+  }
+
+  static Px alpha_words(Px x) { return bytes_by(x, 3, -1, 3, -1); }
+  static Px alpha_words_hi(Px x) { return bytes_by(x, -1, 3, -1, 3); }
+  static Px alpha_bytes(Px x) { return bytes_by(x, 3, 3, 3, 3); }
+  static Px dup_lo16(Px x) { return bytes_by(x, 0, 1, 0, 1); }
+  template <int b0, int b1, int b2, int b3>
+  static Px pixel_bytes(Px x) {
+    return bytes_by(x, b0, b1, b2, b3);
+  }
+  static Px pack_words(Px even, Px odd) {  // e0..e7 o0..o7 per 128-bit lane, then interleaved
+    return _mm512_shuffle_epi8(_mm512_packus_epi16(even, odd),
+                               lane_bytes(0x09010800, 0x0B030A02, 0x0D050C04, 0x0F070E06));
+  }
+  static Px pack_channels(Px c0, Px c1, Px c2, Px c3) {  // c0 c2 c1 c3 per lane, then by pixel
+    const Px w = _mm512_packus_epi16(_mm512_packs_epi32(c0, c2), _mm512_packs_epi32(c1, c3));
+    return _mm512_shuffle_epi8(w, lane_bytes(0x0C040800, 0x0D050901, 0x0E060A02, 0x0F070B03));
+  }
+  static Px select(Px m, Px a, Px b) { return _mm512_ternarylogic_epi32(m, a, b, 0xCA); }
+  // See simd/sse2.h; the estimate has 14 bits, the Newton step is fused.
+  static Px reciprocal_pairs(Px x) {
+    const __m512 a = _mm512_cvtepi32_ps(x);
+    const __m512 r = _mm512_rcp14_ps(a);
+    const __m512 q0 = _mm512_mul_ps(r, _mm512_set1_ps(65535.5f * 65537.0f));
+    const __m512 e = _mm512_fnmadd_ps(a, r, _mm512_set1_ps(1.0f));  // 1 - a * r
+    return dup_lo16(_mm512_cvttps_epi32(_mm512_fmadd_ps(q0, e, q0)));
+  }
+
+ protected:
+  static __mmask16 first(std::int32_t n) { return static_cast<__mmask16>((1u << n) - 1); }
+  // Byte k of each pixel takes byte bk of the same pixel (-1: zero).
+  static Px bytes_by(Px x, int b0, int b1, int b2, int b3) {
+    const auto at = [](int b, int px) { return b < 0 ? 0xFF : b + 4 * px; };
+    const auto pixel = [&](int px) {
+      return static_cast<int>(static_cast<std::uint32_t>(at(b0, px)) |
+                              static_cast<std::uint32_t>(at(b1, px)) << 8 |
+                              static_cast<std::uint32_t>(at(b2, px)) << 16 |
+                              static_cast<std::uint32_t>(at(b3, px)) << 24);
+    };
+    return _mm512_shuffle_epi8(x, lane_bytes(pixel(0), pixel(1), pixel(2), pixel(3)));
+  }
+  // The same sixteen bytes (four 32-bit words) in every 128-bit lane.
+  static Px lane_bytes(std::uint32_t w0, std::uint32_t w1, std::uint32_t w2, std::uint32_t w3) {
+    return _mm512_broadcast_i32x4(_mm_setr_epi32(static_cast<int>(w0), static_cast<int>(w1),
+                                                 static_cast<int>(w2), static_cast<int>(w3)));
+  }
 };
 
 }  // namespace QX_UNIT_NS

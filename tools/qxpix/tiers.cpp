@@ -1,6 +1,9 @@
 #include "tiers.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
+#include <string>
 
 namespace qxpix {
 namespace {
@@ -27,9 +30,13 @@ Tier processor_tier() {
 Tier usable_tier() {
   static const Tier tier = [] {
     Tier t = processor_tier();
-    if (const char* cap = std::getenv("QXPIXLIB_MAX_ISA"))
+    if (const char* cap = std::getenv("QXPIXLIB_MAX_ISA")) {
+      std::string name(cap);  // the library ignores case too
+      std::transform(name.begin(), name.end(), name.begin(),
+                     [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
       for (int i = 0; i < kTierCount; ++i)
-        if (kTierNames[i] == cap && i < static_cast<int>(t)) t = static_cast<Tier>(i);
+        if (kTierNames[i] == name && i < static_cast<int>(t)) t = static_cast<Tier>(i);
+    }
     return t;
   }();
   return tier;

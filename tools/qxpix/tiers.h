@@ -32,7 +32,7 @@ struct ExportTiers {
 namespace tiers {
 using enum Tier;
 // Kernels written once over the vector policy, built for each vector instruction set.
-inline constexpr unsigned kVector = tier_set({kScalar, kSse2, kAvx2, kAvx512});
+inline constexpr unsigned kVector = tier_set({kScalar, kSse2, kAvx2, kAvx512, kAvx512Vbmi});
 // Kernels whose only vector form is an SSE2 algorithm of its own.
 inline constexpr unsigned kSse2Only = tier_set({kScalar, kSse2});
 }  // namespace tiers
@@ -58,7 +58,7 @@ inline constexpr ExportTiers kExportTiers[] = {
     {"qx_sblend_m", tiers::kVector},
     {"qx_sblend_mt", tiers::kVector},
     {"qx_sblend_mlt", tiers::kVector},
-    {"qx_alpha", tier_set({Tier::kScalar, Tier::kSse2, Tier::kSsse3, Tier::kAvx2, Tier::kAvx512})},
+    {"qx_alpha", tiers::kVector | tier_set({Tier::kSsse3})},
     {"qx_mask", tiers::kVector},
     {"qx_lin_pix", tiers::kVector},
     {"qx_zoom_in2x1d", tiers::kSse2Only},
