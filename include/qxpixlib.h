@@ -39,6 +39,8 @@
 #if defined(_WIN32) || defined(__CYGWIN__)
 #if defined(QXPIXLIB_BUILDING)
 #define QX_API __declspec(dllexport)
+#elif defined(QXPIXLIB_STATIC) /* linked into the program itself, not through the DLL */
+#define QX_API
 #else
 #define QX_API __declspec(dllimport)
 #endif

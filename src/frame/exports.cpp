@@ -10,6 +10,10 @@ QX_API void QX_CALL qx_pixinit(void) {}
 // One entry, two names: qx_r210argb is the same address as qx_pixinit.
 #if defined(_MSC_VER)
 #pragma comment(linker, "/EXPORT:qx_r210argb=qx_pixinit")
+#elif defined(__has_attribute) && __has_attribute(copy)
+// copy: the alias takes every attribute of its target (GCC infers nothrow for the empty body on
+// some targets and would otherwise flag the alias as less restrictive).
+QX_API void QX_CALL qx_r210argb(void) __attribute__((alias("qx_pixinit"), copy(qx_pixinit)));
 #else
 QX_API void QX_CALL qx_r210argb(void) __attribute__((alias("qx_pixinit")));
 #endif

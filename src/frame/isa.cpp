@@ -17,7 +17,10 @@ struct Features {
 Features detect() noexcept {
   Features f;
 #if QX_X86 && (defined(__GNUC__) || defined(__clang__))
-  // __builtin_cpu_supports also checks that the OS saves the wider registers.
+  // __builtin_cpu_supports reports AVX2 and AVX-512 only when the operating system saves their
+  // registers: libgcc tests CPUID's OSXSAVE bit, then reads XCR0 with XGETBV (the YMM state for
+  // AVX2; the opmask and both ZMM states for AVX-512). It is plain CPUID/XGETBV with no OS call,
+  // the same routine on Linux and on Windows (MinGW links it statically from libgcc).
   __builtin_cpu_init();
   f.sse2 = __builtin_cpu_supports("sse2");
   f.ssse3 = f.sse2 && __builtin_cpu_supports("ssse3");

@@ -1,7 +1,11 @@
 #include "kit/guarded.h"
 
+#if defined(_WIN32)
+#include <windows.h>
+#else
 #include <sys/mman.h>
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <cstdint>
@@ -9,18 +13,50 @@
 
 namespace qx::test {
 
-PageEnd::PageEnd(std::size_t capacity) {
-  const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-  const std::size_t data = (capacity + 16 + page - 1) / page * page;
-  mapped_ = data + page;
-  void* p = mmap(nullptr, mapped_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (p == MAP_FAILED) throw std::bad_alloc();
-  base_ = static_cast<std::uint8_t*>(p);
-  end_ = base_ + data;
-  if (mprotect(end_, page, PROT_NONE) != 0) throw std::bad_alloc();
+namespace {
+
+std::size_t page_size() {
+#if defined(_WIN32)
+  SYSTEM_INFO info;
+  GetSystemInfo(&info);
+  return info.dwPageSize;
+#else
+  return static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+#endif
 }
 
-PageEnd::~PageEnd() { munmap(base_, mapped_); }
+// `bytes` (whole pages) of fresh read-write memory, then the page at `bytes` made inaccessible.
+std::uint8_t* map_with_guard(std::size_t bytes, std::size_t page) {
+#if defined(_WIN32)
+  void* p = VirtualAlloc(nullptr, bytes + page, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+  DWORD old;
+  if (!p || !VirtualProtect(static_cast<std::uint8_t*>(p) + bytes, page, PAGE_NOACCESS, &old))
+    throw std::bad_alloc();
+#else
+  void* p = mmap(nullptr, bytes + page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (p == MAP_FAILED || mprotect(static_cast<std::uint8_t*>(p) + bytes, page, PROT_NONE) != 0)
+    throw std::bad_alloc();
+#endif
+  return static_cast<std::uint8_t*>(p);
+}
+
+}  // namespace
+
+PageEnd::PageEnd(std::size_t capacity) {
+  const std::size_t page = page_size();
+  const std::size_t data = (capacity + 16 + page - 1) / page * page;
+  mapped_ = data + page;
+  base_ = map_with_guard(data, page);
+  end_ = base_ + data;
+}
+
+PageEnd::~PageEnd() {
+#if defined(_WIN32)
+  VirtualFree(base_, 0, MEM_RELEASE);
+#else
+  munmap(base_, mapped_);
+#endif
+}
 
 std::uint8_t* PageEnd::place(std::size_t bytes, std::size_t offset) const {
   const std::uintptr_t last = reinterpret_cast<std::uintptr_t>(end_) - bytes;
