@@ -14,21 +14,18 @@ std::string frame_size(Mode mode, int height = kHeight) {
   return mode == Mode::kLine ? "1920" : "1920x" + std::to_string(height);
 }
 
-// The scalers' forms are forms of their line kernel, run through the drivers the exports use. This
-// is the one place that knows how a scaler's forms are held.
 void add_scale_1d_forms(const Row& row, int dst_w) {
   const int rows = rows_of(row.mode);
-  add_forms(row, qx::scale_line_interp_forms, [dst_w, rows](qx::ScaleLineFn* line) {
+  add_forms(row, qx::scale_1d_forms, [dst_w, rows](qx::Scale1dFn* fn) {
     const Buffers& b = buffers();
     for (int y = 0; y < rows; ++y)
-      qx::scale_1d(line, b.dst + std::size_t{1} * dst_w * y, dst_w, b.a + std::size_t{kWidth} * y,
-                   kWidth);
+      fn(b.dst + std::size_t{1} * dst_w * y, dst_w, b.a + std::size_t{kWidth} * y, kWidth);
   });
 }
 void add_scale_horz_forms(const Row& row, int dst_w) {
   const int rows = rows_of(row.mode);
-  add_forms(row, qx::scale_line_interp_forms, [dst_w, rows](qx::ScaleLineFn* line) {
-    qx::scale_horz(line, buffers().dst, dst_w, dst_w, buffers().a, kWidth, rows, kWidth);
+  add_forms(row, qx::scale_horz_forms, [dst_w, rows](qx::ScaleHorzFn* fn) {
+    fn(buffers().dst, dst_w, dst_w, buffers().a, kWidth, rows, kWidth);
   });
 }
 

@@ -188,8 +188,9 @@ QX_API void QX_CALL qx_zoom_in2x2d(uint32_t* dst, const uint32_t* src, int32_t w
 QX_API void QX_CALL qx_scale_1d(uint32_t* dst, int32_t dst_count, const uint32_t* src,
                                 int32_t src_count);
 
-/* qx_scale_1d applied to each of `height` rows (strides in pixels, either sign); one position
- * table serves every row. height <= 0 writes nothing. */
+/* qx_scale_1d applied to each of `height` rows (strides in pixels, either sign). height <= 0
+ * writes nothing. Neither scaler allocates memory: positions are computed as the row is walked,
+ * so a call cannot fail. */
 QX_API void QX_CALL qx_scale_horz(uint32_t* dst, int32_t dst_width, int32_t dst_stride,
                                   const uint32_t* src, int32_t src_width, int32_t height,
                                   int32_t src_stride);
@@ -201,7 +202,9 @@ QX_API void QX_CALL qx_scale_horz(uint32_t* dst, int32_t dst_width, int32_t dst_
  * row r reads source row r * fy, at or past src_height when fy * (dst_height - 1) >= src_height
  * (3x4 -> 3x3: fy = 2, the last output row is source row 4), and column c reads c * fx, in the
  * next source row when fx * (dst_width - 1) >= src_width (10 -> 6 wide: column 5 reads pixel 10).
- * src must be readable up to pixel (dst_height - 1) * fy * src_width + (dst_width - 1) * fx. */
+ * src must be readable up to pixel (dst_height - 1) * fy * src_width + (dst_width - 1) * fx;
+ * nothing past it is read. dst may be src itself when dst_width <= src_width (every sample is
+ * read before its memory is written); no other overlap. */
 QX_API void QX_CALL qx_zoom_outNx(uint32_t* dst, int32_t dst_width, int32_t dst_height,
                                   const uint32_t* src, int32_t src_width, int32_t src_height);
 

@@ -49,10 +49,11 @@ void each_form(const Form<Fn> (&forms)[N], Fn* exported, Check check) {
   check(exported);
 }
 
-// Runs `call` on an output holding `prior`, with guard zones around it; returns the output.
+// Runs `call` on an output holding `prior` at `offset` mod 64, with guard zones around it; returns
+// the output.
 template <class Call>
-Px run_guarded(const Px& prior, Call call) {
-  Guarded dst(4 * prior.size(), 0);
+Px run_guarded(const Px& prior, Call call, std::size_t offset = 0) {
+  Guarded dst(4 * prior.size(), offset);
   std::memcpy(dst.data(), prior.data(), 4 * prior.size());
   call(dst.as<std::uint32_t>());
   EXPECT_TRUE(dst.guards_intact());
@@ -109,7 +110,8 @@ TEST(Zoom, WorkedValuesEveryForm) {
 TEST(Zoom, EveryFormMatchesScalarForm) {
   harness::Rng rng(11);
   const PageEnd page(4 * 4 * 1920);
-  std::vector<std::array<std::int32_t, 3>> sizes = {{1920, 4, 1920}, {1922, 3, 1924}, {6, 4, 0}};
+  std::vector<std::array<std::int32_t, 3>> sizes = {
+      {1920, 4, 1920}, {1922, 3, 1924}, {6, 4, 0}, {102, 3, 104}};
   for (std::int32_t w = 0; w <= 20; ++w)  // width, height, stride (0: one row repeated)
     for (std::int32_t h : {-2, 0, 1, 2, 3}) sizes.push_back({w, h, (w + 3) / 4 * 4 + 4 * (h & 1)});
   for (const auto& size : sizes) {
@@ -125,10 +127,16 @@ TEST(Zoom, EveryFormMatchesScalarForm) {
     scalar::zoom_in2x2d(picture.data(), src, w, h, stride);
     SCOPED_TRACE(testing::Message() << w << "x" << h << " stride " << stride);
     each_form(zoom_in2x1d_forms, qx_zoom_in2x1d, [&](ZoomIn1dFn* fn) {
-      EXPECT_EQ(run_guarded(prior, [&](std::uint32_t* d) { fn(d, src, w); }), line);
+      for (std::size_t offset : {0, 16, 32, 48})  // every 16-byte boundary of a 64-byte line
+        EXPECT_EQ(run_guarded(
+                      prior, [&](std::uint32_t* d) { fn(d, src, w); }, offset),
+                  line);
     });
     each_form(zoom_in2x2d_forms, qx_zoom_in2x2d, [&](ZoomIn2dFn* fn) {
-      EXPECT_EQ(run_guarded(prior, [&](std::uint32_t* d) { fn(d, src, w, h, stride); }), picture);
+      for (std::size_t offset : {0, 16, 32, 48})
+        EXPECT_EQ(run_guarded(
+                      prior, [&](std::uint32_t* d) { fn(d, src, w, h, stride); }, offset),
+                  picture);
     });
   }
 }

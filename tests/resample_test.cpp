@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -32,19 +33,19 @@ std::vector<std::uint32_t> random_line(std::size_t n, std::uint32_t seed) {
 // the first, the scalar form at the page end, and returns that: all dst_count output slots, the
 // ones left alone reading back as kMarkerPx.
 std::vector<std::uint32_t> run_all(const std::vector<std::uint32_t>& line, std::int32_t dst_count) {
-  static_assert(scale_line_interp_forms[0].isa == Isa::kScalar);
+  static_assert(scale_1d_forms[0].isa == Isa::kScalar);
   static const PageEnd page(4 * 4100);
   const std::size_t bytes = 4 * line.size();
   std::vector<std::uint32_t> first;
-  for (const auto& form : scale_line_interp_forms) {
+  for (const auto& form : scale_1d_forms) {
     if (!cpu_supports(form.isa)) continue;
     for (int offset : {-1, 0, 4, 8, 12}) {
       auto* src = offset < 0 ? page.flush(bytes) : page.place(bytes, offset);
       std::memcpy(src, line.data(), bytes);
       Guarded out(4 * dst_count, offset < 0 ? 0 : 12 - offset);
       auto* dst = out.as<std::uint32_t>();
-      scale_1d(form.fn, dst, dst_count, reinterpret_cast<std::uint32_t*>(src),
-               static_cast<std::int32_t>(line.size()));
+      form.fn(dst, dst_count, reinterpret_cast<std::uint32_t*>(src),
+              static_cast<std::int32_t>(line.size()));
       const std::vector<std::uint32_t> got(dst, dst + dst_count);
       if (first.empty()) first = got;
       EXPECT_TRUE(out.guards_intact() && got == first)
@@ -103,60 +104,84 @@ TEST(ScaleLine, LongestSource) {
   for (std::size_t t = 0; t < std::size(taps); ++t)
     if (t % 3 != 2) src[taps[t]] = values[t];
   const auto want = from_taps(src.get(), 4, taps, std::size(taps));
-  std::vector<std::pair<const char*, ScaleLineFn*>> forms;
-  for (const auto& form : scale_line_interp_forms)
+  std::vector<std::pair<const char*, Scale1dFn*>> forms = {{"export", qx_scale_1d}};
+  for (const auto& form : scale_1d_forms)
     if (cpu_supports(form.isa)) forms.emplace_back(isa_name(form.isa), form.fn);
-  forms.emplace_back("export", nullptr);
   for (const auto& [name, fn] : forms) {
     Guarded out(16, 0);
     auto* dst = out.as<std::uint32_t>();
-    if (fn)
-      scale_1d(fn, dst, 4, src.get(), kMaxScaleSrc);
-    else
-      qx_scale_1d(dst, 4, src.get(), kMaxScaleSrc);
+    fn(dst, 4, src.get(), kMaxScaleSrc);
     EXPECT_TRUE(out.guards_intact()) << name;
     EXPECT_EQ(std::vector<std::uint32_t>(dst, dst + 4), want) << name;
   }
 }
 
 TEST(ScaleLine, EveryFormMatchesScalar) {
-  const std::int32_t sizes[][2] = {{2, 4},    {3, 4},    {7, 7},       {37, 64},     {1000, 100},
-                                   {2, 1003}, {4001, 8}, {1920, 1280}, {1919, 3839}, {1919, 13}};
+  const std::int32_t sizes[][2] = {{2, 4},       {3, 4},     {7, 7},      {37, 64},
+                                   {1000, 100},  {2, 1003},  {4001, 8},   {1920, 1280},
+                                   {1919, 3839}, {1919, 13}, {1000, 501}, {1001, 500},
+                                   {100, 107},   {100, 108}, {100, 116},  {100, 117}};
   for (const auto& [sn, dn] : sizes) run_all(random_line(sn, sn * 31 + dn), dn);
 }
 
-TEST(ScaleHorz, EveryRowIsScale1d) {
+TEST(ScaleHorz, EveryRowIsScale1dEveryForm) {
   // {dst width, dst stride, src width, src stride, height}; rows start mid-buffer so that
   // strides of either sign stay inside it.
-  const std::int32_t cases[][5] = {
-      {8, 8, 5, 5, 3}, {12, 16, 30, 33, 4}, {6, 8, 9, 9, 5}, {16, -16, 7, -9, 3}};
-  const auto pic = random_line(512, 3);
+  const std::int32_t cases[][5] = {{8, 8, 5, 5, 3},      {12, 16, 30, 33, 4}, {6, 8, 9, 9, 5},
+                                   {16, -16, 7, -9, 3},  {68, 68, 40, 40, 3}, {40, 44, 96, 97, 4},
+                                   {131, 132, 47, 50, 2}};
+  const auto pic = random_line(2048, 3);
   for (const auto& [dw, ds, sw, ss, height] : cases) {
-    std::vector<std::uint32_t> want(512, kMarkerPx), got = want;
+    std::vector<std::uint32_t> want(2048, kMarkerPx);
     for (std::ptrdiff_t y = 0; y < height; ++y)
-      qx_scale_1d(want.data() + 256 + y * ds, dw, pic.data() + 256 + y * ss, sw);
-    qx_scale_horz(got.data() + 256, dw, ds, pic.data() + 256, sw, height, ss);
-    EXPECT_EQ(got, want) << dw << "x" << height << " from " << sw;
+      scalar::scale_1d(want.data() + 1024 + y * ds, dw, pic.data() + 1024 + y * ss, sw);
+    std::vector<std::pair<const char*, ScaleHorzFn*>> forms = {{"export", qx_scale_horz}};
+    for (const auto& f : scale_horz_forms)
+      if (cpu_supports(f.isa)) forms.emplace_back(isa_name(f.isa), f.fn);
+    for (const auto& [name, fn] : forms) {
+      std::vector<std::uint32_t> got(2048, kMarkerPx);
+      fn(got.data() + 1024, dw, ds, pic.data() + 1024, sw, height, ss);
+      EXPECT_EQ(got, want) << name << " " << dw << "x" << height << " from " << sw;
+    }
   }
 }
 
-TEST(ZoomOut, TopLeftPixelOfEachBlock) {
+TEST(ZoomOut, TopLeftPixelOfEachBlockEveryForm) {
   // {src width, src height, dst width, dst height, x factor, y factor}. Samples are not clamped:
   // 10 -> 6 takes source column 10 (the next row's first pixel), 3x4 -> 3x3 reads source row 4
   // (past the picture), and enlarging runs on through the following rows.
-  const std::int32_t cases[][6] = {{640, 480, 320, 240, 2, 2},
-                                   {10, 4, 6, 2, 2, 2},
-                                   {7, 7, 3, 3, 3, 3},
-                                   {3, 4, 3, 3, 1, 2},
-                                   {4, 4, 8, 8, 1, 1}};
+  const std::int32_t cases[][6] = {
+      {640, 480, 320, 240, 2, 2}, {10, 4, 6, 2, 2, 2},   {7, 7, 3, 3, 3, 3},
+      {3, 4, 3, 3, 1, 2},         {4, 4, 8, 8, 1, 1},    {67, 9, 33, 2, 3, 5},
+      {100, 3, 20, 3, 5, 1},      {99, 4, 50, 2, 2, 2},  {1919, 5, 960, 1, 2, 5},
+      {70, 2, 35, 1, 2, 2},       {130, 1, 33, 1, 4, 1}, {64, 64, 1, 1, 64, 64}};
+  static const PageEnd page(4 * 310000);
+  std::vector<std::pair<const char*, ZoomOutFn*>> forms = {{"export", qx_zoom_outNx}};
+  for (const auto& f : zoom_out_forms)
+    if (cpu_supports(f.isa)) forms.emplace_back(isa_name(f.isa), f.fn);
   for (const auto& [sw, sh, dw, dh, fx, fy] : cases) {
-    // Pixel values are their own index, with room for every sample the factors reach.
-    std::vector<std::uint32_t> src(sw * fy * dh + fx * dw), got(dw * dh + 4, kMarkerPx), want = got;
-    for (std::size_t i = 0; i < src.size(); ++i) src[i] = static_cast<std::uint32_t>(i);
+    // Pixel values are their own index; the source ends with the last sample, at a page end.
+    const std::size_t n = std::size_t(sw) * fy * (dh - 1) + std::size_t(fx) * (dw - 1) + 1;
+    auto* src = reinterpret_cast<std::uint32_t*>(page.flush(4 * n));
+    for (std::size_t i = 0; i < n; ++i) src[i] = static_cast<std::uint32_t>(i);
+    std::vector<std::uint32_t> want(dw * dh + 4, kMarkerPx);
     for (std::int32_t r = 0; r < dh; ++r)
       for (std::int32_t x = 0; x < dw; ++x) want[r * dw + x] = r * fy * sw + x * fx;
-    qx_zoom_outNx(got.data(), dw, dh, src.data(), sw, sh);
-    EXPECT_EQ(got, want) << sw << "x" << sh << " -> " << dw << "x" << dh;
+    for (const auto& [name, fn] : forms) {
+      std::vector<std::uint32_t> got(dw * dh + 4, kMarkerPx);
+      fn(got.data(), dw, dh, src, sw, sh);
+      EXPECT_EQ(got, want) << name << " " << sw << "x" << sh << " -> " << dw << "x" << dh;
+      if (dw > sw) continue;  // in place: the output overwrites the source behind the samples
+      for (std::size_t offset : {0, 4, 16, 32, 48}) {
+        Guarded in_place(4 * n, offset);
+        auto* pic = in_place.as<std::uint32_t>();
+        std::copy(src, src + n, pic);
+        fn(pic, dw, dh, pic, sw, sh);
+        EXPECT_TRUE(std::equal(want.begin(), want.begin() + dw * dh, pic))
+            << name << " in place at " << offset << ", " << sw << "x" << sh << " -> " << dw << "x"
+            << dh;
+      }
+    }
   }
 }
 

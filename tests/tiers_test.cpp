@@ -108,7 +108,8 @@ TEST(TierCap, EveryExportUsesTheBestFormAtOrBelowTheCap) {
   QX_EXPECT_CHOSEN(lin_pix_forms);
   QX_EXPECT_CHOSEN(zoom_in2x1d_forms);
   QX_EXPECT_CHOSEN(zoom_in2x2d_forms);
-  QX_EXPECT_CHOSEN(scale_line_interp_forms);
+  QX_EXPECT_CHOSEN(scale_1d_forms);
+  QX_EXPECT_CHOSEN(scale_horz_forms);
   QX_EXPECT_CHOSEN(zoom_out_forms);
 #undef QX_EXPECT_CHOSEN
 }

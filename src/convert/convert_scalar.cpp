@@ -43,23 +43,10 @@ void ayuv2argb(std::uint32_t* dst, const std::uint32_t* src, std::int32_t count)
   scalar_line<Shape<1, false>>(Lines{dst, src, nullptr, nullptr, count}, ayuv2argb_px);
 }
 
-// v210 holds its samples as one stream of 10-bit fields, three per little-endian word (bits 0-9,
-// 10-19, 20-29; bits 30-31 unused), in the order Cb, Y, Cr, Y for each pair of pixels.
 void v210yuv422p10(std::uint16_t* dst, const std::uint32_t* src, std::int32_t count) {
   if (count <= 0 || count % 2 != 0) return;
-  const auto field = [src](std::size_t j) {
-    return static_cast<std::uint16_t>((load_px(src + j / 3) >> (10 * (j % 3))) & 0x3FFu);
-  };
   const std::size_t pairs = static_cast<std::size_t>(count) / 2;
-  std::uint16_t* const y = dst;
-  std::uint16_t* const cb = dst + 2 * pairs;
-  std::uint16_t* const cr = cb + pairs;
-  for (std::size_t p = 0; p < pairs; ++p) {
-    cb[p] = field(4 * p);
-    y[2 * p] = field(4 * p + 1);
-    cr[p] = field(4 * p + 2);
-    y[2 * p + 1] = field(4 * p + 3);
-  }
+  v210_pairs(dst, dst + 2 * pairs, dst + 3 * pairs, src, 0, pairs);
 }
 
 }  // namespace qx::scalar

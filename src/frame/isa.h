@@ -63,13 +63,19 @@ auto chosen() noexcept {
 // Kernels written once over a vector policy (src/simd/) are built once per vector instruction set
 // into namespace qx::<set> (see src/CMakeLists.txt). QX_FOR_EACH_VECTOR_ISA(M, args...) expands
 // M(namespace, Isa enumerator, args...) for each such set, in ascending order.
+// QX_FOR_EACH_PERMUTE_ISA does the same for the sets whose policy also permutes bytes across the
+// whole vector (V::permute_bytes2), for which the kernels that need it are built.
 #if QX_X86
 #define QX_FOR_EACH_VECTOR_ISA(M, ...) \
   M(sse2, kSse2, __VA_ARGS__)          \
   M(avx2, kAvx2, __VA_ARGS__)          \
   M(avx512, kAvx512, __VA_ARGS__) M(avx512vbmi, kAvx512Vbmi, __VA_ARGS__)
+#define QX_FOR_EACH_PERMUTE_ISA(M, ...) \
+  M(avx2, kAvx2, __VA_ARGS__)           \
+  M(avx512, kAvx512, __VA_ARGS__) M(avx512vbmi, kAvx512Vbmi, __VA_ARGS__)
 #else
 #define QX_FOR_EACH_VECTOR_ISA(M, ...)
+#define QX_FOR_EACH_PERMUTE_ISA(M, ...)
 #endif
 #define QX_DECLARE_FORM_(ns, isa, Fn, name) \
   namespace ns {                            \
@@ -86,23 +92,3 @@ auto chosen() noexcept {
   QX_FOR_EACH_VECTOR_ISA(QX_DECLARE_FORM_, Fn, name) \
   inline constexpr ::qx::Form<Fn> name##_forms[] = { \
       {::qx::Isa::kScalar, scalar::name}, QX_FOR_EACH_VECTOR_ISA(QX_LIST_FORM_, Fn, name)};
-
-// Inside namespace qx: the same for a kernel whose only vector form is an SSE2 algorithm of its
-// own (sse2::name, built in a *_sse2.cpp unit).
-#if QX_X86
-#define QX_SSE2_KERNEL_FORMS(Fn, name)                                                  \
-  namespace scalar {                                                                    \
-  Fn name;                                                                              \
-  }                                                                                     \
-  namespace sse2 {                                                                      \
-  Fn name;                                                                              \
-  }                                                                                     \
-  inline constexpr ::qx::Form<Fn> name##_forms[] = {{::qx::Isa::kScalar, scalar::name}, \
-                                                    {::qx::Isa::kSse2, sse2::name}};
-#else
-#define QX_SSE2_KERNEL_FORMS(Fn, name) \
-  namespace scalar {                   \
-  Fn name;                             \
-  }                                    \
-  inline constexpr ::qx::Form<Fn> name##_forms[] = {{::qx::Isa::kScalar, scalar::name}};
-#endif

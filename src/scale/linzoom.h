@@ -21,8 +21,8 @@ using ZoomIn2dFn = void(std::uint32_t* dst, const std::uint32_t* src, std::int32
 
 QX_KERNEL_FORMS(LinPixFn, lin_pix)
 
-QX_SSE2_KERNEL_FORMS(ZoomIn1dFn, zoom_in2x1d)
-QX_SSE2_KERNEL_FORMS(ZoomIn2dFn, zoom_in2x2d)
+QX_KERNEL_FORMS(ZoomIn1dFn, zoom_in2x1d)
+QX_KERNEL_FORMS(ZoomIn2dFn, zoom_in2x2d)
 
 // The picture doubling shared by every form of qx_zoom_in2x2d. With W = 2 * width output pixels
 // per row and R(k) output row k (rows packed, W pixels apart):

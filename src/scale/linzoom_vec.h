@@ -28,21 +28,33 @@ inline typename V::Px lin_pix_group(typename V::Px a, typename V::Px b, typename
   return V::pack(lo, hi);
 }
 
-// dst[i] = floor_avg(a[i], b[i]) for i < n, n a multiple of 4. A rest narrower than a vector goes
-// through zeroed scratch, so nothing past pixel n - 1 is read or written.
+// dst[i] = floor_avg(a[i], b[i]) for i < n, n a multiple of 4; dst is neither a nor b. After the
+// first vector the vectors start where their stores fall on vector boundaries, and the last one
+// ends at n; both may overlap pixels already done, rewriting them with the same values. A line
+// narrower than a vector goes through zeroed scratch, so nothing past pixel n - 1 is read or
+// written.
 template <class V>
 inline void average_rows(std::uint32_t* dst, const std::uint32_t* a, const std::uint32_t* b,
                          std::ptrdiff_t n) {
   constexpr std::ptrdiff_t P = V::kPixels;
-  std::ptrdiff_t i = 0;
-  for (; i + P <= n; i += P) V::store(dst + i, floor_avg<V>(V::load(a + i), V::load(b + i)));
-  if (i < n) {
-    const std::size_t bytes = sizeof(std::uint32_t) * static_cast<std::size_t>(n - i);
+  const auto at = [=](std::ptrdiff_t i) {
+    V::store(dst + i, floor_avg<V>(V::load(a + i), V::load(b + i)));
+  };
+  if (n >= P) {
+    at(0);
+    constexpr std::uintptr_t kBytes = 4 * P;
+    const std::uintptr_t past = reinterpret_cast<std::uintptr_t>(dst) % kBytes;
+    std::ptrdiff_t i = P;
+    if (past != 0 && past % 4 == 0) i = static_cast<std::ptrdiff_t>((kBytes - past) / 4);
+    for (const std::ptrdiff_t last = n - P; i <= last; i += P) at(i);
+    if (i < n) at(n - P);
+  } else if (n > 0) {
+    const std::size_t bytes = sizeof(std::uint32_t) * static_cast<std::size_t>(n);
     alignas(64) std::uint32_t sa[P] = {}, sb[P] = {}, out[P];
-    std::memcpy(sa, a + i, bytes);
-    std::memcpy(sb, b + i, bytes);
+    std::memcpy(sa, a, bytes);
+    std::memcpy(sb, b, bytes);
     V::store(out, floor_avg<V>(V::load(sa), V::load(sb)));
-    std::memcpy(dst + i, out, bytes);
+    std::memcpy(dst, out, bytes);
   }
 }
 

@@ -1,30 +1,15 @@
 // Line resampling by two-tap linear interpolation (qx_scale_1d, qx_scale_horz) and picture
 // shrinking by whole factors (qx_zoom_outNx).
 //
-// A resampled line is described by a position table: one signed 32-bit fixed-point source position
-// per output pixel, 8 fraction bits (index = position >> 8, fraction f = position & 255). The
-// table is built once per call by scale_step_table and shared by every row; scale_line_interp
-// turns one source line into one output line from it. scale_line_interp is the only part with
-// instruction-set forms.
-#pragma once
-
-#include <cstdint>
-
-#include "frame/isa.h"
-
-namespace qx {
-
-// Fills table[0 .. dst_count-1]: table[0] = start, then steps of (|end - start| - 1) / (dst_count -
-// 1) (negated when end < start), and the last entry pinned to end - 1, where end = (src_count - 1)
-// * 256 is the position of the last source pixel. With start = 0 every position p satisfies
-// p >> 8 <= src_count - 2, so no output needs a pixel past src_count - 1.
-// Requires dst_count >= 2 and every intermediate to fit a signed 32-bit integer.
-void scale_step_table(std::int32_t* table, std::int32_t start, std::int32_t src_count,
-                      std::int32_t dst_count);
-
-// Writes 4 * (dst_count / 4) output pixels; the last dst_count % 4 are left alone. Per group of
-// four outputs j = 4k .. 4k+3, with i_j = table[j] >> 8 (logical) and f_j = table[j] & 255, the
-// left and right taps are paired as
+// Output j of a resampled line of n pixels reads the source at a fixed-point position with 8
+// fraction bits (index i = position >> 8, fraction f = position & 255): j * step for j < n - 1,
+// and the last output pinned to end - 1, where end = (src_count - 1) * 256 is the position of the
+// last source pixel and step = (end - 1) / (n - 1). No position needs a pixel past src_count - 1.
+// Every form computes positions as it goes: nothing is allocated, so the scalers cannot fail for
+// lack of memory, and the rows of qx_scale_horz share nothing but these few numbers.
+//
+// 4 * (n / 4) outputs are written; the last n % 4 are left alone. Per group of four outputs
+// j = 4k .. 4k+3 the left and right taps are paired as
 //   out 4k   = mix(P[i_4k],       P[i_4k + 1],     f_4k)
 //   out 4k+1 = mix(P[i_4k + 1],   P[i_4k+1 + 1],   f_4k+1)
 //   out 4k+2 = mix(P[i_4k+2],     P[i_4k+2 + 1],   f_4k+2)
@@ -32,53 +17,90 @@ void scale_step_table(std::int32_t* table, std::int32_t start, std::int32_t src_
 // (the odd outputs take as left tap the right neighbour of the preceding output's left tap, which
 // is what pairing adjacent-pixel loads gives), and mix(l, r, f) is, for each of the four bytes,
 // l * (256 - f) / 256 + r * f / 256 with each product truncated on its own.
-// `table` is 16-byte aligned and holds at least 4 * (dst_count / 4) entries whose taps lie in
-// `src`; `src` and `dst` need no alignment.
-using ScaleLineFn = void(std::uint32_t* dst, const std::uint32_t* src, std::int32_t dst_count,
-                         const std::int32_t* table);
+#pragma once
 
-namespace scalar {
-ScaleLineFn scale_line_interp;
-}
-#if QX_X86
-namespace sse2 {
-ScaleLineFn scale_line_interp;
-}
-namespace ssse3 {
-ScaleLineFn scale_line_interp;
-}
-#endif
+#include <cstddef>
+#include <cstdint>
 
-inline constexpr Form<ScaleLineFn> scale_line_interp_forms[] = {
-    {Isa::kScalar, scalar::scale_line_interp},
-#if QX_X86
-    {Isa::kSse2, sse2::scale_line_interp},
-    {Isa::kSsse3, ssse3::scale_line_interp},
-#endif
+#include "frame/isa.h"
+
+namespace qx {
+
+// The largest source length: its last position, (2^23 - 1) * 256, still fits a signed 32-bit int.
+inline constexpr std::int32_t kMaxScaleSrc = 1 << 23;
+
+// The positions of one resampled line.
+struct ScaleSteps {
+  std::int32_t count;  // output pixels, at least 2
+  std::uint32_t step;
+  std::uint32_t last;  // the position of output count - 1
+  // The position of output j, 0 <= j < count; below 2^31 - 256.
+  constexpr std::uint32_t at(std::int32_t j) const {
+    return j == count - 1 ? last : static_cast<std::uint32_t>(j) * step;
+  }
 };
 
-// The two linear scalers, running `line` on each row. Arguments that would divide by zero or
-// address outside the lines write nothing: a dst width below 2, a src width below 2 or above
-// kMaxScaleSrc (its last position would not fit), or a position table that cannot be allocated.
-// height <= 0 writes nothing. Rows lie dst_stride / src_stride pixels apart (either sign).
-inline constexpr std::int32_t kMaxScaleSrc = 1 << 23;
-void scale_1d(ScaleLineFn* line, std::uint32_t* dst, std::int32_t dst_count,
-              const std::uint32_t* src, std::int32_t src_count);
-void scale_horz(ScaleLineFn* line, std::uint32_t* dst, std::int32_t dst_width,
-                std::int32_t dst_stride, const std::uint32_t* src, std::int32_t src_width,
-                std::int32_t height, std::int32_t src_stride);
+// The positions for src_count source pixels resampled to dst_count, or false when the arguments
+// write nothing: dst_count < 2 (no step), src_count < 2 or src_count > kMaxScaleSrc. Exact in
+// 32 bits: end <= 2^31 - 256, and j * step <= (end - 1) * j / (dst_count - 1) < end for
+// j < dst_count - 1.
+constexpr bool scale_steps(std::int32_t src_count, std::int32_t dst_count, ScaleSteps& s) {
+  if (dst_count < 2 || src_count < 2 || src_count > kMaxScaleSrc) return false;
+  const std::uint32_t end = static_cast<std::uint32_t>(src_count - 1) * 256;
+  s = {dst_count, (end - 1) / static_cast<std::uint32_t>(dst_count - 1), end - 1};
+  return true;
+}
+
+// qx_scale_1d and qx_scale_horz, with the exports' arguments. Rows lie dst_stride / src_stride
+// pixels apart (either sign); height <= 0 writes nothing.
+using Scale1dFn = void(std::uint32_t* dst, std::int32_t dst_count, const std::uint32_t* src,
+                       std::int32_t src_count);
+using ScaleHorzFn = void(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_stride,
+                         const std::uint32_t* src, std::int32_t src_width, std::int32_t height,
+                         std::int32_t src_stride);
+
+QX_KERNEL_FORMS(Scale1dFn, scale_1d)
+QX_KERNEL_FORMS(ScaleHorzFn, scale_horz)
+
+// The frame of every form of qx_scale_horz: the positions once per call, row_for(steps) once to
+// make the form's row function, then row(dst_row, src_row) for each row.
+template <class RowFor>
+inline void scale_frame(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_stride,
+                        const std::uint32_t* src, std::int32_t src_width, std::int32_t height,
+                        std::int32_t src_stride, RowFor&& row_for) {
+  ScaleSteps s{};
+  if (!scale_steps(src_width, dst_width, s)) return;
+  const auto row = row_for(s);
+  for (std::int32_t y = 0; y < height; ++y)
+    row(dst + std::ptrdiff_t{y} * dst_stride, src + std::ptrdiff_t{y} * src_stride);
+}
 
 // dst (packed, dst_width x dst_height) takes the top-left pixel of each fx x fy block of src
 // (packed, row pitch src_width), fx and fy the ratios rounded up. Samples are not clamped: they may
 // come from the next source row or from rows past src_height, which the caller sizes src for.
-// Any width or height <= 0 writes nothing.
+// Any width or height <= 0 writes nothing. dst may be src itself when dst_width <= src_width:
+// every source pixel is then read before that memory is written.
 using ZoomOutFn = void(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
                        const std::uint32_t* src, std::int32_t src_width, std::int32_t src_height);
 
-namespace scalar {
-ZoomOutFn zoom_out;
-}
+QX_KERNEL_FORMS(ZoomOutFn, zoom_out)
 
-inline constexpr Form<ZoomOutFn> zoom_out_forms[] = {{Isa::kScalar, scalar::zoom_out}};
+// The frame of every form of qx_zoom_outNx: the factors once per call, row_for(fx) once to make
+// the form's row function, then row(dst_row, src_row, next_src_row) for each row, where a row
+// takes dst_row[c] = src_row[c * fx] for c < dst_width (next_src_row is where the next row will
+// read, null for the last row: a hint for prefetching).
+template <class RowFor>
+inline void zoom_out_frame(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_height,
+                           const std::uint32_t* src, std::int32_t src_width,
+                           std::int32_t src_height, RowFor&& row_for) {
+  if (dst_width <= 0 || dst_height <= 0 || src_width <= 0 || src_height <= 0) return;
+  const std::ptrdiff_t fx = src_width / dst_width + (src_width % dst_width != 0);
+  const std::ptrdiff_t fy = src_height / dst_height + (src_height % dst_height != 0);
+  const auto row = row_for(fx);
+  for (std::int32_t r = 0; r < dst_height; ++r) {
+    const std::uint32_t* s = src + r * fy * src_width;
+    row(dst + std::ptrdiff_t{r} * dst_width, s, r + 1 < dst_height ? s + fy * src_width : nullptr);
+  }
+}
 
 }  // namespace qx

@@ -1,5 +1,4 @@
-// The exported scalers and zoom-out. The linear scalers run the form of scale_line_interp chosen
-// for this processor, qx_zoom_outNx the form of zoom_out chosen for it.
+// The exported scalers and zoom-out: one call through the form chosen for this processor.
 #include "qxpixlib.h"
 #include "scale/resample.h"
 
@@ -7,15 +6,15 @@ extern "C" {
 
 QX_API void QX_CALL qx_scale_1d(std::uint32_t* dst, std::int32_t dst_count,
                                 const std::uint32_t* src, std::int32_t src_count) {
-  qx::scale_1d(qx::chosen<qx::scale_line_interp_forms>(), dst, dst_count, src, src_count);
+  qx::chosen<qx::scale_1d_forms>()(dst, dst_count, src, src_count);
 }
 
 QX_API void QX_CALL qx_scale_horz(std::uint32_t* dst, std::int32_t dst_width,
                                   std::int32_t dst_stride, const std::uint32_t* src,
                                   std::int32_t src_width, std::int32_t height,
                                   std::int32_t src_stride) {
-  qx::scale_horz(qx::chosen<qx::scale_line_interp_forms>(), dst, dst_width, dst_stride, src,
-                 src_width, height, src_stride);
+  qx::chosen<qx::scale_horz_forms>()(dst, dst_width, dst_stride, src, src_width, height,
+                                     src_stride);
 }
 
 QX_API void QX_CALL qx_zoom_outNx(std::uint32_t* dst, std::int32_t dst_width,

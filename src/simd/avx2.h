@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "frame/unit.h"
+#include "simd/byte_plan.h"
 
 namespace qx::avx2 {
 inline namespace QX_UNIT_NS {
@@ -197,6 +198,117 @@ struct V {
                             at(b2, 0), at(b3, 0), at(b0, 1), at(b1, 1), at(b2, 1), at(b3, 1),
                             at(b0, 2), at(b1, 2), at(b2, 2), at(b3, 2), at(b0, 3), at(b1, 3),
                             at(b2, 3), at(b3, 3)));
+  }
+
+ public:
+  // ---- resampling, zoom and unpacking ----
+  static Px sub32(Px a, Px b) { return _mm256_sub_epi32(a, b); }
+  static Px srl64(Px a, int n) { return _mm256_srli_epi64(a, n); }
+  // Each odd 32-bit lane takes the even lane below it: x0 x0 x2 x2 ...
+  static Px dup_even32(Px x) { return _mm256_shuffle_epi32(x, _MM_SHUFFLE(2, 2, 0, 0)); }
+  // The odd pixels of a and b, interleaved: a1 b1 a3 b3 ...
+  static Px trn_odd_px(Px a, Px b) {
+    const Px odd = _mm256_castps_si256(
+        _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), _MM_SHUFFLE(3, 1, 3, 1)));
+    return _mm256_shuffle_epi32(odd, _MM_SHUFFLE(3, 1, 2, 0));
+  }
+  // The pixels of the first (zip_lo) or second (zip_hi) halves of a and b, interleaved across the
+  // whole vector: a0 b0 a1 b1 a2 b2 a3 b3 (zip_lo), a4 b4 ... a7 b7 (zip_hi).
+  static Px zip_lo_px(Px a, Px b) {
+    return _mm256_permute2x128_si256(_mm256_unpacklo_epi32(a, b), _mm256_unpackhi_epi32(a, b),
+                                     0x20);
+  }
+  static Px zip_hi_px(Px a, Px b) {
+    return _mm256_permute2x128_si256(_mm256_unpacklo_epi32(a, b), _mm256_unpackhi_epi32(a, b),
+                                     0x31);
+  }
+  // Pixel 0, then pixels 0 .. last - 1: each pixel's predecessor, the first its own.
+  static Px repeat_first_px(Px x) {
+    return _mm256_permutevar8x32_epi32(x, _mm256_setr_epi32(0, 0, 1, 2, 3, 4, 5, 6));
+  }
+  // Each pixel's predecessor when prev holds the pixels just before cur: the last pixel of prev,
+  // then pixels 0 .. last - 1 of cur.
+  static Px shift_in_px(Px cur, Px prev) {
+    return _mm256_alignr_epi8(cur, _mm256_permute2x128_si256(prev, cur, 0x21), 12);
+  }
+  // The even pixels of a, then those of b: a0 a2 a4 a6 b0 b2 b4 b6.
+  static Px even_px(Px a, Px b) {
+    const Px even = _mm256_castps_si256(
+        _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), _MM_SHUFFLE(2, 0, 2, 0)));
+    return _mm256_permute4x64_epi64(even, _MM_SHUFFLE(3, 1, 2, 0));  // a0 a2 b0 b2 | a4 a6 b4 b6
+  }
+  // The odd pixels of a, then those of b.
+  static Px odd_px(Px a, Px b) {
+    const Px odd = _mm256_castps_si256(
+        _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), _MM_SHUFFLE(3, 1, 3, 1)));
+    return _mm256_permute4x64_epi64(odd, _MM_SHUFFLE(3, 1, 2, 0));  // a1 a3 b1 b3 | a5 a7 b5 b7
+  }
+  // Pixel k = base[idx_k] (any alignment).
+  static Px gather_px(const std::uint32_t* base, Px idx) {
+    return _mm256_i32gather_epi32(reinterpret_cast<const int*>(base), idx, 4);
+  }
+  // A pair of adjacent pixels at each lane's index: pixels 2m and 2m + 1 of `even` are
+  // base[idx_2m] and base[idx_2m + 1], those of `odd` base[idx_2m+1] and base[idx_2m+1 + 1].
+  static void gather_px_pairs(const std::uint32_t* base, Px idx, Px& even, Px& odd) {
+    const Px split = _mm256_permutevar8x32_epi32(idx, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
+    const auto* b = reinterpret_cast<const long long*>(base);
+    even = _mm256_i32gather_epi64(b, _mm256_castsi256_si128(split), 4);
+    odd = _mm256_i32gather_epi64(b, _mm256_extracti128_si256(split, 1), 4);
+  }
+  // Pixel k = pixel idx_k of a (idx_k < 8).
+  static Px permute_px(Px a, Px idx) { return _mm256_permutevar8x32_epi32(a, idx); }
+  // Pixel k = pixel idx_k of the sixteen pixels of a, then b (idx_k < 16).
+  static Px permute_px2(Px a, Px b, Px idx) {
+    const __m256 from_b = _mm256_castsi256_ps(_mm256_slli_epi32(idx, 28));  // bit 3 to the sign
+    return _mm256_castps_si256(
+        _mm256_blendv_ps(_mm256_castsi256_ps(_mm256_permutevar8x32_epi32(a, idx)),
+                         _mm256_castsi256_ps(_mm256_permutevar8x32_epi32(b, idx)), from_b));
+  }
+  // Byte k = byte kIdx[k] of the 64 bytes of a, then b (byte_plan::kZero: zero), kIdx a
+  // std::array of 32 byte indices fixed at compile time.
+  template <const auto& kIdx>
+  static Px permute_bytes2(Px a, Px b) {
+    static constexpr auto kPlan = byte_plan::plan(kIdx);
+    Px out = permute_bytes_pass<kPlan, 0>(a, b);
+    if constexpr (kPlan.passes > 1) out = or_(out, permute_bytes_pass<kPlan, 1>(a, b));
+    if constexpr (kPlan.passes > 2) out = or_(out, permute_bytes_pass<kPlan, 2>(a, b));
+    if constexpr (kPlan.passes > 3) out = or_(out, permute_bytes_pass<kPlan, 3>(a, b));
+    return out;
+  }
+  template <const auto& kPlan, int kPass>
+  static Px permute_bytes_pass(Px a, Px b) {  // one pass of a byte_plan::Plan
+    constexpr auto& lane = kPlan.lane[kPass];
+    const Px idx = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(lane.data()));
+    Px moved;
+    if constexpr (!kPlan.uses_b[kPass]) {
+      moved = _mm256_permutevar8x32_epi32(a, idx);
+    } else if constexpr (!kPlan.uses_a[kPass]) {
+      moved = _mm256_permutevar8x32_epi32(b, idx);
+    } else {
+      constexpr int from_b = [] {
+        int m = 0;
+        for (int d = 0; d < 8; ++d) m |= (lane[d] >= 8) << d;
+        return m;
+      }();
+      moved = _mm256_blend_epi32(_mm256_permutevar8x32_epi32(a, idx),
+                                 _mm256_permutevar8x32_epi32(b, idx), from_b);
+    }
+    return _mm256_shuffle_epi8(
+        moved, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(kPlan.shuffle[kPass].data())));
+  }
+  // The first halves of a and b (concat_lo), or their second halves (concat_hi), one after the
+  // other.
+  static Px concat_lo(Px a, Px b) { return _mm256_permute2x128_si256(a, b, 0x20); }
+  static Px concat_hi(Px a, Px b) { return _mm256_permute2x128_si256(a, b, 0x31); }
+  // Byte 0 of each pixel as a 16-bit value in all four lanes of that pixel, the pixels laid out
+  // as zext_lo (lo) and zext_hi (hi) lay them out.
+  static void spread_byte0(Px x, Px& lo, Px& hi) {
+    constexpr char z = -128;
+    lo = _mm256_shuffle_epi8(x, _mm256_setr_epi8(0, z, 0, z, 0, z, 0, z, 4, z, 4, z, 4, z, 4, z,  //
+                                                 0, z, 0, z, 0, z, 0, z, 4, z, 4, z, 4, z, 4, z));
+    hi = _mm256_shuffle_epi8(
+        x, _mm256_setr_epi8(8, z, 8, z, 8, z, 8, z, 12, z, 12, z, 12, z, 12, z, 8, z, 8, z, 8, z, 8,
+                            z, 12, z, 12, z, 12, z, 12, z));
   }
 };
 

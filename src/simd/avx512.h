@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "frame/unit.h"
+#include "simd/byte_plan.h"
 
 namespace qx::avx512 {
 inline namespace QX_UNIT_NS {
@@ -180,6 +181,97 @@ struct V {
   static Px lane_bytes(std::uint32_t w0, std::uint32_t w1, std::uint32_t w2, std::uint32_t w3) {
     return _mm512_broadcast_i32x4(_mm_setr_epi32(static_cast<int>(w0), static_cast<int>(w1),
                                                  static_cast<int>(w2), static_cast<int>(w3)));
+  }
+
+ public:
+  // ---- resampling, zoom and unpacking ----
+  static Px sub32(Px a, Px b) { return _mm512_sub_epi32(a, b); }
+  static Px srl64(Px a, int n) { return _mm512_srli_epi64(a, static_cast<unsigned>(n)); }
+  // Each odd 32-bit lane takes the even lane below it: x0 x0 x2 x2 ...
+  static Px dup_even32(Px x) { return _mm512_shuffle_epi32(x, _MM_PERM_CCAA); }
+  // The odd pixels of a and b, interleaved: a1 b1 a3 b3 ...
+  static Px trn_odd_px(Px a, Px b) {
+    return _mm512_mask_blend_epi32(0xAAAA, _mm512_srli_epi64(a, 32), b);
+  }
+  // The pixels of the first (zip_lo) or second (zip_hi) halves of a and b, interleaved across the
+  // whole vector: a0 b0 ... a7 b7 (zip_lo), a8 b8 ... a15 b15 (zip_hi).
+  static Px zip_lo_px(Px a, Px b) {
+    return _mm512_permutex2var_epi32(
+        a, _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23), b);
+  }
+  static Px zip_hi_px(Px a, Px b) {
+    return _mm512_permutex2var_epi32(
+        a, _mm512_setr_epi32(8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31), b);
+  }
+  // Pixel 0, then pixels 0 .. last - 1: each pixel's predecessor, the first its own.
+  static Px repeat_first_px(Px x) {
+    return _mm512_permutexvar_epi32(
+        _mm512_setr_epi32(0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14), x);
+  }
+  // Each pixel's predecessor when prev holds the pixels just before cur: the last pixel of prev,
+  // then pixels 0 .. last - 1 of cur.
+  static Px shift_in_px(Px cur, Px prev) { return _mm512_alignr_epi32(cur, prev, 15); }
+  // The even pixels of a, then those of b: a0 a2 ... a14 b0 b2 ... b14.
+  static Px even_px(Px a, Px b) {
+    return _mm512_permutex2var_epi32(
+        a, _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30), b);
+  }
+  // The odd pixels of a, then those of b.
+  static Px odd_px(Px a, Px b) {
+    return _mm512_permutex2var_epi32(
+        a, _mm512_setr_epi32(1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31), b);
+  }
+  // Pixel k = base[idx_k] (any alignment).
+  static Px gather_px(const std::uint32_t* base, Px idx) {
+    return _mm512_i32gather_epi32(idx, base, 4);
+  }
+  // A pair of adjacent pixels at each lane's index: pixels 2m and 2m + 1 of `even` are
+  // base[idx_2m] and base[idx_2m + 1], those of `odd` base[idx_2m+1] and base[idx_2m+1 + 1].
+  static void gather_px_pairs(const std::uint32_t* base, Px idx, Px& even, Px& odd) {
+    even = _mm512_i32gather_epi64(_mm512_cvtepi64_epi32(idx), base, 4);
+    odd = _mm512_i32gather_epi64(_mm512_cvtepi64_epi32(_mm512_srli_epi64(idx, 32)), base, 4);
+  }
+  // Pixel k = pixel idx_k of a (idx_k < 16).
+  static Px permute_px(Px a, Px idx) { return _mm512_permutexvar_epi32(idx, a); }
+  // Pixel k = pixel idx_k of the 32 pixels of a, then b (idx_k < 32).
+  static Px permute_px2(Px a, Px b, Px idx) { return _mm512_permutex2var_epi32(a, idx, b); }
+  // Byte k = byte kIdx[k] of the 128 bytes of a, then b (byte_plan::kZero: zero), kIdx a
+  // std::array of 64 byte indices fixed at compile time.
+  template <const auto& kIdx>
+  static Px permute_bytes2(Px a, Px b) {
+    static constexpr auto kPlan = byte_plan::plan(kIdx);
+    Px out = permute_bytes_pass<kPlan, 0>(a, b);
+    if constexpr (kPlan.passes > 1) out = or_(out, permute_bytes_pass<kPlan, 1>(a, b));
+    if constexpr (kPlan.passes > 2) out = or_(out, permute_bytes_pass<kPlan, 2>(a, b));
+    if constexpr (kPlan.passes > 3) out = or_(out, permute_bytes_pass<kPlan, 3>(a, b));
+    return out;
+  }
+  template <const auto& kPlan, int kPass>
+  static Px permute_bytes_pass(Px a, Px b) {  // one pass of a byte_plan::Plan
+    const Px idx = _mm512_loadu_si512(kPlan.lane[kPass].data());
+    Px moved;
+    if constexpr (!kPlan.uses_b[kPass])
+      moved = _mm512_permutexvar_epi32(idx, a);
+    else if constexpr (!kPlan.uses_a[kPass])
+      moved = _mm512_permutexvar_epi32(idx, b);  // (only the low four bits of each index count)
+    else
+      moved = _mm512_permutex2var_epi32(a, idx, b);
+    return _mm512_shuffle_epi8(moved, _mm512_loadu_si512(kPlan.shuffle[kPass].data()));
+  }
+  // The first halves of a and b (concat_lo), or their second halves (concat_hi), one after the
+  // other.
+  static Px concat_lo(Px a, Px b) { return _mm512_shuffle_i64x2(a, b, _MM_SHUFFLE(1, 0, 1, 0)); }
+  static Px concat_hi(Px a, Px b) { return _mm512_shuffle_i64x2(a, b, _MM_SHUFFLE(3, 2, 3, 2)); }
+  // Byte 0 of each pixel as a 16-bit value in all four lanes of that pixel, the pixels laid out
+  // as zext_lo (lo) and zext_hi (hi) lay them out.
+  static void spread_byte0(Px x, Px& lo, Px& hi) {
+    // Per 128-bit lane: bytes 0 (lo) or 8 (hi) into the low bytes of 16-bit lanes 0..3, bytes 4
+    // (lo) or 12 (hi) into those of lanes 4..7, zero (0x80) into the high bytes.
+    const auto q = [](unsigned long long v) { return static_cast<long long>(v); };
+    lo = _mm512_shuffle_epi8(x, _mm512_set4_epi64(q(0x8004800480048004), q(0x8000800080008000),
+                                                  q(0x8004800480048004), q(0x8000800080008000)));
+    hi = _mm512_shuffle_epi8(x, _mm512_set4_epi64(q(0x800C800C800C800C), q(0x8008800880088008),
+                                                  q(0x800C800C800C800C), q(0x8008800880088008)));
   }
 };
 

@@ -36,6 +36,29 @@ struct V : avx512::V {
     const Px hi = _mm512_permutex2var_epi8(t.q[2], x, t.q[3]);
     return _mm512_mask_blend_epi8(_mm512_movepi8_mask(x), lo, hi);
   }
+
+  // ---- resampling, zoom and unpacking ----
+  // Byte k = byte kIdx[k] of the 128 bytes of a, then b (byte_plan::kZero: zero), kIdx a
+  // std::array of 64 byte indices fixed at compile time.
+  template <const auto& kIdx>
+  static Px permute_bytes2(Px a, Px b) {
+    alignas(64) static constexpr auto kTable = [] {
+      struct {
+        alignas(64) std::uint8_t idx[64];
+        std::uint64_t zero;  // bit k: byte k is zero
+      } t{};
+      for (int k = 0; k < 64; ++k) {
+        t.idx[k] = kIdx[k] == byte_plan::kZero ? 0 : kIdx[k];
+        if (kIdx[k] == byte_plan::kZero) t.zero |= std::uint64_t{1} << k;
+      }
+      return t;
+    }();
+    const Px moved = _mm512_permutex2var_epi8(a, _mm512_load_si512(kTable.idx), b);
+    if constexpr (kTable.zero == 0)
+      return moved;
+    else
+      return _mm512_maskz_mov_epi8(~kTable.zero, moved);
+  }
 };
 
 }  // namespace QX_UNIT_NS

@@ -243,6 +243,75 @@ struct V {
     if constexpr (kKeep == kFilled) return x;
     return _mm_and_si128(x, _mm_set1_epi32(static_cast<int>(kKeep)));
   }
+
+ public:
+  // ---- resampling, zoom and unpacking ----
+  // (SSE2 has no variable shuffle, so this policy has no permute_px, permute_px2 or permute_bytes2:
+  // kernels that use them choose another path for it, or are not built for it.)
+  static Px sub32(Px a, Px b) { return _mm_sub_epi32(a, b); }
+  static Px srl64(Px a, int n) { return _mm_srli_epi64(a, n); }
+  // Each odd 32-bit lane takes the even lane below it: x0 x0 x2 x2.
+  static Px dup_even32(Px x) { return _mm_shuffle_epi32(x, _MM_SHUFFLE(2, 2, 0, 0)); }
+  // The odd pixels of a and b, interleaved: a1 b1 a3 b3.
+  static Px trn_odd_px(Px a, Px b) {
+    const Px odd = _mm_castps_si128(
+        _mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), _MM_SHUFFLE(3, 1, 3, 1)));
+    return _mm_shuffle_epi32(odd, _MM_SHUFFLE(3, 1, 2, 0));  // a1 a3 b1 b3 -> a1 b1 a3 b3
+  }
+  // The pixels of the first (zip_lo) or second (zip_hi) halves of a and b, interleaved across the
+  // whole vector: a0 b0 a1 b1 (zip_lo), a2 b2 a3 b3 (zip_hi).
+  static Px zip_lo_px(Px a, Px b) { return _mm_unpacklo_epi32(a, b); }
+  static Px zip_hi_px(Px a, Px b) { return _mm_unpackhi_epi32(a, b); }
+  // Pixel 0, then pixels 0 .. last - 1: each pixel's predecessor, the first its own.
+  static Px repeat_first_px(Px x) { return _mm_shuffle_epi32(x, _MM_SHUFFLE(2, 1, 0, 0)); }
+  // Each pixel's predecessor when prev holds the pixels just before cur: the last pixel of prev,
+  // then pixels 0 .. last - 1 of cur.
+  static Px shift_in_px(Px cur, Px prev) {
+    return _mm_or_si128(_mm_slli_si128(cur, 4), _mm_srli_si128(prev, 12));
+  }
+  // The even pixels of a, then those of b: a0 a2 b0 b2.
+  static Px even_px(Px a, Px b) {
+    return _mm_castps_si128(
+        _mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), _MM_SHUFFLE(2, 0, 2, 0)));
+  }
+  // The odd pixels of a, then those of b.
+  static Px odd_px(Px a, Px b) {
+    return _mm_castps_si128(
+        _mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), _MM_SHUFFLE(3, 1, 3, 1)));
+  }
+  // Pixel k = base[idx_k] (any alignment).
+  static Px gather_px(const std::uint32_t* base, Px idx) {
+    const Px i1 = _mm_shuffle_epi32(idx, _MM_SHUFFLE(1, 1, 1, 1));
+    const Px i2 = _mm_shuffle_epi32(idx, _MM_SHUFFLE(2, 2, 2, 2));
+    const Px i3 = _mm_shuffle_epi32(idx, _MM_SHUFFLE(3, 3, 3, 3));
+    const Px p01 = _mm_unpacklo_epi32(load32(base + lane0(idx)), load32(base + lane0(i1)));
+    const Px p23 = _mm_unpacklo_epi32(load32(base + lane0(i2)), load32(base + lane0(i3)));
+    return _mm_unpacklo_epi64(p01, p23);
+  }
+  // A pair of adjacent pixels at each lane's index: pixels 2m and 2m + 1 of `even` are
+  // base[idx_2m] and base[idx_2m + 1], those of `odd` base[idx_2m+1] and base[idx_2m+1 + 1]. (The
+  // indices go through memory: one store, then four scalar loads the store forwards to.)
+  static void gather_px_pairs(const std::uint32_t* base, Px idx, Px& even, Px& odd) {
+    alignas(16) std::uint32_t i[4];
+    _mm_store_si128(reinterpret_cast<__m128i*>(i), idx);
+    even = _mm_unpacklo_epi64(load64(base + i[0]), load64(base + i[2]));
+    odd = _mm_unpacklo_epi64(load64(base + i[1]), load64(base + i[3]));
+  }
+  // The first halves of a and b (concat_lo), or their second halves (concat_hi), one after the
+  // other.
+  static Px concat_lo(Px a, Px b) { return _mm_unpacklo_epi64(a, b); }
+  static Px concat_hi(Px a, Px b) { return _mm_unpackhi_epi64(a, b); }
+  // Byte 0 of each pixel as a 16-bit value in all four lanes of that pixel, the pixels laid out
+  // as zext_lo (lo) and zext_hi (hi) lay them out.
+  static void spread_byte0(Px x, Px& lo, Px& hi) {
+    const Px b = _mm_and_si128(x, _mm_set1_epi32(0xFF));
+    const Px b2 = _mm_or_si128(b, _mm_slli_epi32(b, 16));  // the byte in both halves of its pixel
+    lo = _mm_shuffle_epi32(b2, _MM_SHUFFLE(1, 1, 0, 0));
+    hi = _mm_shuffle_epi32(b2, _MM_SHUFFLE(3, 3, 2, 2));
+  }
+  // The first 32-bit lane, and 8 bytes into the low 64-bit lane (the rest zero).
+  static std::uint32_t lane0(Px x) { return static_cast<std::uint32_t>(_mm_cvtsi128_si32(x)); }
+  static Px load64(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
 };
 
 }  // namespace QX_UNIT_NS

@@ -18,18 +18,6 @@ qx_entry entry(Fn* fn) {
   return reinterpret_cast<qx_entry>(fn);
 }
 
-void scale_1d(std::uint32_t* dst, std::int32_t dst_count, const std::uint32_t* src,
-              std::int32_t src_count) {
-  qx::scale_1d(qx::scale_line_interp_forms[0].fn, dst, dst_count, src, src_count);
-}
-
-void scale_horz(std::uint32_t* dst, std::int32_t dst_width, std::int32_t dst_stride,
-                const std::uint32_t* src, std::int32_t src_width, std::int32_t height,
-                std::int32_t src_stride) {
-  qx::scale_horz(qx::scale_line_interp_forms[0].fn, dst, dst_width, dst_stride, src, src_width,
-                 height, src_stride);
-}
-
 }  // namespace
 
 extern "C" qx_entry qx_reference(const char* name) {
@@ -62,8 +50,8 @@ extern "C" qx_entry qx_reference(const char* name) {
       {"qx_lin_pix", entry(lin_pix_forms[0].fn)},
       {"qx_zoom_in2x1d", entry(zoom_in2x1d_forms[0].fn)},
       {"qx_zoom_in2x2d", entry(zoom_in2x2d_forms[0].fn)},
-      {"qx_scale_1d", entry(::scale_1d)},
-      {"qx_scale_horz", entry(::scale_horz)},
+      {"qx_scale_1d", entry(scale_1d_forms[0].fn)},
+      {"qx_scale_horz", entry(scale_horz_forms[0].fn)},
       {"qx_zoom_outNx", entry(zoom_out_forms[0].fn)},
   };
   for (const auto& t : table)

@@ -65,9 +65,9 @@ std::uint8_t* PageEnd::place(std::size_t bytes, std::size_t offset) const {
 }
 
 Guarded::Guarded(std::size_t bytes, std::size_t offset)
-    : storage_(bytes + 2 * kGuard + 32, kMarker), bytes_(bytes) {
+    : storage_(bytes + 2 * kGuard + 128, kMarker), bytes_(bytes) {
   const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(storage_.data()) + kGuard;
-  const std::uintptr_t at = ((start + 15) & ~std::uintptr_t{15}) + (offset & 15);
+  const std::uintptr_t at = ((start + 63) & ~std::uintptr_t{63}) + (offset & 63);
   data_ = reinterpret_cast<std::uint8_t*>(at);
 }
 

@@ -39,7 +39,7 @@ class Guarded {
   static constexpr std::size_t kGuard = 64;
   static constexpr std::uint8_t kMarker = 0xA5;
 
-  // `bytes` writable bytes at an address that is `offset` mod 16, every byte set to kMarker.
+  // `bytes` writable bytes at an address that is `offset` mod 64, every byte set to kMarker.
   Guarded(std::size_t bytes, std::size_t offset);
   std::uint8_t* data() { return data_; }
   template <class T>

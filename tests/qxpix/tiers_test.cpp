@@ -56,8 +56,8 @@ std::map<std::string, Forms> library_forms() {
       {"qx_lin_pix", forms_of<qx::lin_pix_forms>()},
       {"qx_zoom_in2x1d", forms_of<qx::zoom_in2x1d_forms>()},
       {"qx_zoom_in2x2d", forms_of<qx::zoom_in2x2d_forms>()},
-      {"qx_scale_1d", forms_of<qx::scale_line_interp_forms>()},
-      {"qx_scale_horz", forms_of<qx::scale_line_interp_forms>()},
+      {"qx_scale_1d", forms_of<qx::scale_1d_forms>()},
+      {"qx_scale_horz", forms_of<qx::scale_horz_forms>()},
       {"qx_zoom_outNx", forms_of<qx::zoom_out_forms>()},
   };
 #undef QX_FAMILY_ROWS

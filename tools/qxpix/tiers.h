@@ -33,8 +33,6 @@ namespace tiers {
 using enum Tier;
 // Kernels written once over the vector policy, built for each vector instruction set.
 inline constexpr unsigned kVector = tier_set({kScalar, kSse2, kAvx2, kAvx512, kAvx512Vbmi});
-// Kernels whose only vector form is an SSE2 algorithm of its own.
-inline constexpr unsigned kSse2Only = tier_set({kScalar, kSse2});
 }  // namespace tiers
 
 // Every export that does work (qx_pixinit and qx_r210argb do none), in the header's order.
@@ -42,7 +40,7 @@ inline constexpr ExportTiers kExportTiers[] = {
     {"qx_fill", tiers::kVector},
     {"qx_argb2ayuv", tiers::kVector},
     {"qx_ayuv2argb", tiers::kVector},
-    {"qx_v210yuv422p10", tiers::kSse2Only},
+    {"qx_v210yuv422p10", tiers::kVector},
     {"qx_blend", tiers::kVector},
     {"qx_blend_t", tiers::kVector},
     {"qx_blend_m", tiers::kVector},
@@ -61,11 +59,11 @@ inline constexpr ExportTiers kExportTiers[] = {
     {"qx_alpha", tiers::kVector | tier_set({Tier::kSsse3})},
     {"qx_mask", tiers::kVector},
     {"qx_lin_pix", tiers::kVector},
-    {"qx_zoom_in2x1d", tiers::kSse2Only},
-    {"qx_zoom_in2x2d", tiers::kSse2Only},
-    {"qx_scale_1d", tier_set({Tier::kScalar, Tier::kSse2, Tier::kSsse3})},
-    {"qx_scale_horz", tier_set({Tier::kScalar, Tier::kSse2, Tier::kSsse3})},
-    {"qx_zoom_outNx", tier_set({Tier::kScalar})},
+    {"qx_zoom_in2x1d", tiers::kVector},
+    {"qx_zoom_in2x2d", tiers::kVector},
+    {"qx_scale_1d", tiers::kVector},
+    {"qx_scale_horz", tiers::kVector},
+    {"qx_zoom_outNx", tiers::kVector},
 };
 
 // The highest tier this processor supports, lowered to the QXPIXLIB_MAX_ISA cap if one is set.
