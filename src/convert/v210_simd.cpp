@@ -62,8 +62,8 @@ constexpr std::array<std::uint16_t, kSamples> multiplier_table(int m, bool chrom
 template <int m, bool kChroma>
 alignas(64) constexpr std::array<std::uint8_t, kBytes> kPermute = permute_table(m, kChroma);
 template <int m, bool kChroma>
-alignas(64) constexpr std::array<std::uint16_t, kSamples> kMultiplier =
-    multiplier_table(m, kChroma);
+alignas(64) constexpr std::array<std::uint16_t, kSamples> kMultiplier = multiplier_table(m,
+                                                                                         kChroma);
 
 // Output vector m of the chunk in input vectors a = m, b = m + 1.
 template <int m, bool kChroma>
