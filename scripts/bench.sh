@@ -7,12 +7,16 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh pkg-config libyuv-dev libpixman-1-dev libavcodec-dev
-cmake -S . -B build/release -DCMAKE_BUILD_TYPE=Release -DQX_BUILD_TESTS=OFF
-cmake --build build/release -j "$(nproc)"
-build/release/tools/qxpix/qxpix demo build/demo
+# QX_BENCH_BUILD names a build that is already configured with the benchmark (CI reuses its own).
+build=${QX_BENCH_BUILD:-build/release}
+if [ -z "${QX_BENCH_BUILD:-}" ]; then
+  cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DQX_BUILD_TESTS=OFF
+fi
+cmake --build "$build" -j "$(nproc)"
+"$build"/tools/qxpix/qxpix demo build/demo
 # One core for the whole run (the last one this process may use), when taskset is there.
 pin=()
 if command -v taskset >/dev/null; then
   pin=(taskset -c "$(taskset -pc $$ | sed 's/.*[:,-] *//')")
 fi
-exec "${pin[@]}" build/release/bench/qxpixlib_bench "$@"
+exec "${pin[@]}" "$build"/bench/qxpixlib_bench "$@"
