@@ -122,7 +122,9 @@ TEST(TierCap, EveryExportHasAFormForEachVectorSet) {
 #define QX_VECTOR_ISA_(ns, isa, unused) Isa::isa,
   const std::vector<Isa> sets = {QX_FOR_EACH_VECTOR_ISA(QX_VECTOR_ISA_, 0)};
 #undef QX_VECTOR_ISA_
-  if (!sets.empty()) EXPECT_TRUE(cpu_supports(sets.front())) << isa_name(sets.front());
+  if (!sets.empty()) {
+    EXPECT_TRUE(cpu_supports(sets.front())) << isa_name(sets.front());
+  }
   const auto expect_every_set = [&](const auto& forms, const char* forms_name) {
     for (const Isa isa : sets) {
       bool listed = false;
