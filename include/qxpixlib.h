@@ -20,13 +20,14 @@
  *     passed as a signed integer, acts as 256.
  * Every function is re-entrant: calls on disjoint output lines may run on any threads at once.
  *
- * Instruction sets: each function has a portable form and, on x86, forms for wider instruction
- * sets, all giving the same bytes; the library uses the best one the processor runs. The
- * environment variable QXPIXLIB_MAX_ISA caps that choice at a tier, to run as an older processor
- * would (for testing, or to compare speeds): scalar, sse2, ssse3, avx2, avx512 (F, BW, VL) or
- * avx512vbmi, case ignored. Each function then uses its best form at or below the tier (scalar
- * means no vector code). It is read once per process, before the first function chooses its
- * form; setting it later has no effect, and a value that names no tier is ignored. */
+ * Instruction sets: each function has a portable form and, on x86 and 64-bit ARM, vector forms
+ * (on x86 for wider and wider instruction sets; on ARM NEON), all giving the same bytes; the
+ * library uses the best one the processor runs. The environment variable QXPIXLIB_MAX_ISA caps
+ * that choice at a tier, to run as an older processor would (for testing, or to compare speeds):
+ * scalar, sse2, ssse3, avx2, avx512 (F, BW, VL) or avx512vbmi on x86, scalar or neon on 64-bit
+ * ARM, case ignored. Each function then uses its best form at or below the tier (scalar means no
+ * vector code). It is read once per process, before the first function chooses its form; setting
+ * it later has no effect, and a value that names no tier is ignored. */
 #ifndef QXPIXLIB_H
 #define QXPIXLIB_H
 

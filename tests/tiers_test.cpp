@@ -77,41 +77,64 @@ void expect_chosen(const char* forms_name, Isa cap) {
   EXPECT_EQ(std::string(isa_name(got)), isa_name(want)) << forms_name;
 }
 
+// Every forms list an export calls through, as M(list).
+#define QX_FORMS_LISTS(M) \
+  M(fill_forms)           \
+  M(argb2ayuv_forms)      \
+  M(ayuv2argb_forms)      \
+  M(v210yuv422p10_forms)  \
+  M(blend_forms)          \
+  M(blend_t_forms)        \
+  M(blend_m_forms)        \
+  M(blend_mt_forms)       \
+  M(blend_mlt_forms)      \
+  M(lblend_forms)         \
+  M(lblend_t_forms)       \
+  M(lblend_m_forms)       \
+  M(lblend_mt_forms)      \
+  M(lblend_mlt_forms)     \
+  M(sblend_forms)         \
+  M(sblend_t_forms)       \
+  M(sblend_m_forms)       \
+  M(sblend_mt_forms)      \
+  M(sblend_mlt_forms)     \
+  M(alpha_forms)          \
+  M(mask_forms)           \
+  M(lin_pix_forms)        \
+  M(zoom_in2x1d_forms)    \
+  M(zoom_in2x2d_forms) M(scale_1d_forms) M(scale_horz_forms) M(zoom_out_forms)
+
 // The cap this process runs under decides every export's form: a cap that did not reach the choice
 // (or chose above it) fails here rather than pass silently with the top tier's forms.
 TEST(TierCap, EveryExportUsesTheBestFormAtOrBelowTheCap) {
   Isa cap = tiers().back();  // unset or unknown: no cap
   if (const char* name = cap_variable()) isa_from_name(name, cap);
   EXPECT_EQ(max_isa(), cap);
-#define QX_EXPECT_CHOSEN(forms) expect_chosen<forms>(#forms, cap)
-  QX_EXPECT_CHOSEN(fill_forms);
-  QX_EXPECT_CHOSEN(argb2ayuv_forms);
-  QX_EXPECT_CHOSEN(ayuv2argb_forms);
-  QX_EXPECT_CHOSEN(v210yuv422p10_forms);
-  QX_EXPECT_CHOSEN(blend_forms);
-  QX_EXPECT_CHOSEN(blend_t_forms);
-  QX_EXPECT_CHOSEN(blend_m_forms);
-  QX_EXPECT_CHOSEN(blend_mt_forms);
-  QX_EXPECT_CHOSEN(blend_mlt_forms);
-  QX_EXPECT_CHOSEN(lblend_forms);
-  QX_EXPECT_CHOSEN(lblend_t_forms);
-  QX_EXPECT_CHOSEN(lblend_m_forms);
-  QX_EXPECT_CHOSEN(lblend_mt_forms);
-  QX_EXPECT_CHOSEN(lblend_mlt_forms);
-  QX_EXPECT_CHOSEN(sblend_forms);
-  QX_EXPECT_CHOSEN(sblend_t_forms);
-  QX_EXPECT_CHOSEN(sblend_m_forms);
-  QX_EXPECT_CHOSEN(sblend_mt_forms);
-  QX_EXPECT_CHOSEN(sblend_mlt_forms);
-  QX_EXPECT_CHOSEN(alpha_forms);
-  QX_EXPECT_CHOSEN(mask_forms);
-  QX_EXPECT_CHOSEN(lin_pix_forms);
-  QX_EXPECT_CHOSEN(zoom_in2x1d_forms);
-  QX_EXPECT_CHOSEN(zoom_in2x2d_forms);
-  QX_EXPECT_CHOSEN(scale_1d_forms);
-  QX_EXPECT_CHOSEN(scale_horz_forms);
-  QX_EXPECT_CHOSEN(zoom_out_forms);
+#define QX_EXPECT_CHOSEN(forms) expect_chosen<forms>(#forms, cap);
+  QX_FORMS_LISTS(QX_EXPECT_CHOSEN)
 #undef QX_EXPECT_CHOSEN
+}
+
+// Every export has a form for each vector instruction set this build has: a form left out of its
+// list would pass every other test, the export running a lower one. The first set is the
+// architecture's baseline (SSE2, NEON), which every processor runs.
+TEST(TierCap, EveryExportHasAFormForEachVectorSet) {
+#define QX_VECTOR_ISA_(ns, isa, unused) Isa::isa,
+  const std::vector<Isa> sets = {QX_FOR_EACH_VECTOR_ISA(QX_VECTOR_ISA_, 0)};
+#undef QX_VECTOR_ISA_
+  if (!sets.empty()) {
+    EXPECT_TRUE(cpu_supports(sets.front())) << isa_name(sets.front());
+  }
+  const auto expect_every_set = [&](const auto& forms, const char* forms_name) {
+    for (const Isa isa : sets) {
+      bool listed = false;
+      for (const auto& f : forms) listed = listed || f.isa == isa;
+      EXPECT_TRUE(listed) << forms_name << " has no " << isa_name(isa) << " form";
+    }
+  };
+#define QX_EXPECT_EVERY_SET(forms) expect_every_set(forms, #forms);
+  QX_FORMS_LISTS(QX_EXPECT_EVERY_SET)
+#undef QX_EXPECT_EVERY_SET
 }
 
 }  // namespace

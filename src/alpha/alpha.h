@@ -19,8 +19,8 @@ QX_KERNEL_FORMS(MaskFn, mask)
 namespace scalar {
 AlphaFn alpha;
 }
-#if QX_X86
 QX_FOR_EACH_VECTOR_ISA(QX_DECLARE_FORM_, AlphaFn, alpha)
+#if QX_X86
 namespace ssse3 {
 AlphaFn alpha;  // one byte shuffle per four pixels
 }
@@ -31,6 +31,8 @@ inline constexpr Form<AlphaFn> alpha_forms[] = {
 #if QX_X86
     {Isa::kSse2, sse2::alpha},     {Isa::kSsse3, ssse3::alpha},           {Isa::kAvx2, avx2::alpha},
     {Isa::kAvx512, avx512::alpha}, {Isa::kAvx512Vbmi, avx512vbmi::alpha},
+#else
+    QX_FOR_EACH_VECTOR_ISA(QX_LIST_FORM_, AlphaFn, alpha)
 #endif
 };
 

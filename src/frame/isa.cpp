@@ -54,6 +54,8 @@ bool cpu_supports(Isa isa) noexcept {
       return f.avx512;
     case Isa::kAvx512Vbmi:
       return f.avx512vbmi;
+    case Isa::kNeon:
+      return QX_AARCH64;  // part of every AArch64 processor
   }
   return false;
 }
@@ -61,7 +63,8 @@ bool cpu_supports(Isa isa) noexcept {
 namespace {
 // Every tier's name, indexed by its Isa value: the one list that isa_name and the cap's parser
 // share.
-constexpr const char* kIsaNames[] = {"scalar", "sse2", "ssse3", "avx2", "avx512", "avx512vbmi"};
+constexpr const char* kIsaNames[] = {"scalar", "sse2",       "ssse3", "avx2",
+                                     "avx512", "avx512vbmi", "neon"};
 constexpr Isa kTopIsa = static_cast<Isa>(std::size(kIsaNames) - 1);
 
 bool same_name(const char* a, const char* b) noexcept {

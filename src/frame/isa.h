@@ -8,12 +8,19 @@
 #else
 #define QX_X86 0
 #endif
+#if defined(__aarch64__) || defined(_M_ARM64)
+#define QX_AARCH64 1
+#else
+#define QX_AARCH64 0
+#endif
 
 namespace qx {
 
-// Tiers in ascending order: a processor that has a tier has every tier before it.
-// kAvx512 is AVX-512 F, BW and VL; kAvx512Vbmi adds the byte permutes of AVX-512 VBMI.
-enum class Isa : std::uint8_t { kScalar, kSse2, kSsse3, kAvx2, kAvx512, kAvx512Vbmi };
+// Tiers in ascending order: a processor that has a tier has every tier of its architecture before
+// it. kAvx512 is AVX-512 F, BW and VL; kAvx512Vbmi adds the byte permutes of AVX-512 VBMI. kNeon
+// (AArch64's baseline) comes after the x86 tiers: a cap at an x86 tier leaves an ARM processor its
+// scalar forms, and the cap kNeon leaves an x86 processor every tier.
+enum class Isa : std::uint8_t { kScalar, kSse2, kSsse3, kAvx2, kAvx512, kAvx512Vbmi, kNeon };
 
 // True when this processor (and its operating system) can run code built for `isa`.
 // Evaluated once per process; kScalar is always supported.
@@ -73,6 +80,9 @@ auto chosen() noexcept {
 #define QX_FOR_EACH_PERMUTE_ISA(M, ...) \
   M(avx2, kAvx2, __VA_ARGS__)           \
   M(avx512, kAvx512, __VA_ARGS__) M(avx512vbmi, kAvx512Vbmi, __VA_ARGS__)
+#elif QX_AARCH64
+#define QX_FOR_EACH_VECTOR_ISA(M, ...) M(neon, kNeon, __VA_ARGS__)
+#define QX_FOR_EACH_PERMUTE_ISA(M, ...) M(neon, kNeon, __VA_ARGS__)
 #else
 #define QX_FOR_EACH_VECTOR_ISA(M, ...)
 #define QX_FOR_EACH_PERMUTE_ISA(M, ...)

@@ -76,9 +76,7 @@ TEST(QxpixTiers, TableListsTheLibrarysFormsAndPicksAsItDoes) {
   for (const auto& [name, forms] : library) {
     SCOPED_TRACE(name);
     ASSERT_TRUE(table.count(name));
-#if QX_X86
-    EXPECT_EQ(table[name].tiers, forms.tiers);  // the table describes the x86 build
-#endif
+    EXPECT_EQ(table[name].tiers, forms.tiers);
     EXPECT_EQ(table[name].chosen, forms.chosen);
   }
 }

@@ -20,6 +20,8 @@ Tier processor_tier() {
     return Tier::kAvx2;
   if (!__builtin_cpu_supports("avx512vbmi")) return Tier::kAvx512;
   return Tier::kAvx512Vbmi;
+#elif defined(__aarch64__)
+  return Tier::kNeon;  // part of every AArch64 processor
 #else
   return Tier::kScalar;
 #endif

@@ -12,10 +12,11 @@
 
 namespace qxpix {
 
-// Ascending: a processor that has a tier has every tier before it.
-enum class Tier : std::uint8_t { kScalar, kSse2, kSsse3, kAvx2, kAvx512, kAvx512Vbmi };
-inline constexpr std::string_view kTierNames[] = {"scalar", "sse2",   "ssse3",
-                                                  "avx2",   "avx512", "avx512vbmi"};
+// Ascending: a processor that has a tier has every tier of its architecture before it (neon, the
+// AArch64 tier, comes after the x86 ones, as in the library).
+enum class Tier : std::uint8_t { kScalar, kSse2, kSsse3, kAvx2, kAvx512, kAvx512Vbmi, kNeon };
+inline constexpr std::string_view kTierNames[] = {"scalar", "sse2",       "ssse3", "avx2",
+                                                  "avx512", "avx512vbmi", "neon"};
 inline constexpr int kTierCount = static_cast<int>(std::size(kTierNames));
 
 constexpr unsigned tier_set(std::initializer_list<Tier> tiers) {
@@ -31,8 +32,18 @@ struct ExportTiers {
 
 namespace tiers {
 using enum Tier;
-// Kernels written once over the vector policy, built for each vector instruction set.
+// Kernels written once over the vector policy, built for each vector instruction set of the
+// architecture; qx_alpha also has an SSSE3 form of its own.
+#if defined(__x86_64__) || defined(__i386__) || defined(_M_X64) || defined(_M_IX86)
 inline constexpr unsigned kVector = tier_set({kScalar, kSse2, kAvx2, kAvx512, kAvx512Vbmi});
+inline constexpr unsigned kAlpha = kVector | tier_set({kSsse3});
+#elif defined(__aarch64__) || defined(_M_ARM64)
+inline constexpr unsigned kVector = tier_set({kScalar, kNeon});
+inline constexpr unsigned kAlpha = kVector;
+#else
+inline constexpr unsigned kVector = tier_set({kScalar});
+inline constexpr unsigned kAlpha = kVector;
+#endif
 }  // namespace tiers
 
 // Every export that does work (qx_pixinit and qx_r210argb do none), in the header's order.
@@ -46,7 +57,7 @@ inline constexpr ExportTiers kExportTiers[] = {
     {"qx_lblend_mt", tiers::kVector},   {"qx_lblend_mlt", tiers::kVector},
     {"qx_sblend", tiers::kVector},      {"qx_sblend_t", tiers::kVector},
     {"qx_sblend_m", tiers::kVector},    {"qx_sblend_mt", tiers::kVector},
-    {"qx_sblend_mlt", tiers::kVector},  {"qx_alpha", tiers::kVector | tier_set({Tier::kSsse3})},
+    {"qx_sblend_mlt", tiers::kVector},  {"qx_alpha", tiers::kAlpha},
     {"qx_mask", tiers::kVector},        {"qx_lin_pix", tiers::kVector},
     {"qx_zoom_in2x1d", tiers::kVector}, {"qx_zoom_in2x2d", tiers::kVector},
     {"qx_scale_1d", tiers::kVector},    {"qx_scale_horz", tiers::kVector},

@@ -1,0 +1,21 @@
+# Cross build for 64-bit ARM Linux with Debian's g++-aarch64-linux-gnu. The test programs run under
+# qemu-user (qemu-aarch64, with the cross C and C++ libraries from /usr/aarch64-linux-gnu), so plain
+# `ctest` runs the suite; GoogleTest is built from Debian's googletest sources (tests/CMakeLists.txt).
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(QX_CROSS_TRIPLE aarch64-linux-gnu)
+if(NOT CMAKE_C_COMPILER)
+  set(CMAKE_C_COMPILER ${QX_CROSS_TRIPLE}-gcc)
+endif()
+if(NOT CMAKE_CXX_COMPILER)
+  set(CMAKE_CXX_COMPILER ${QX_CROSS_TRIPLE}-g++)
+endif()
+set(CMAKE_FIND_ROOT_PATH /usr/${QX_CROSS_TRIPLE})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+find_program(QX_QEMU qemu-aarch64)
+if(QX_QEMU)
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${QX_QEMU} -L /usr/${QX_CROSS_TRIPLE})
+endif()
