@@ -239,12 +239,7 @@ struct V {
   // std::array of 64 byte indices fixed at compile time.
   template <const auto& kIdx>
   static Px permute_bytes2(Px a, Px b) {
-    static constexpr auto kPlan = byte_plan::plan(kIdx);
-    Px out = permute_bytes_pass<kPlan, 0>(a, b);
-    if constexpr (kPlan.passes > 1) out = or_(out, permute_bytes_pass<kPlan, 1>(a, b));
-    if constexpr (kPlan.passes > 2) out = or_(out, permute_bytes_pass<kPlan, 2>(a, b));
-    if constexpr (kPlan.passes > 3) out = or_(out, permute_bytes_pass<kPlan, 3>(a, b));
-    return out;
+    return byte_plan::run<V, kIdx>(a, b);
   }
   template <const auto& kPlan, int kPass>
   static Px permute_bytes_pass(Px a, Px b) {  // one pass of a byte_plan::Plan

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace qx::byte_plan {
 
@@ -54,6 +55,20 @@ constexpr Plan<B> plan(const std::array<std::uint8_t, B>& idx) {
     if (used > p.passes) p.passes = used;
   }
   return p;
+}
+
+// The permutation kIdx of a and b on policy V: the plan's passes (V::permute_bytes_pass<plan, p>,
+// which holds the intrinsics) ORed together.
+template <class V, const auto& kIdx>
+typename V::Px run(typename V::Px a, typename V::Px b) {
+  static constexpr auto kPlan = plan(kIdx);
+  constexpr int kMore = kPlan.passes > 1 ? kPlan.passes - 1 : 0;
+  return [&]<int... p>(std::integer_sequence<int, p...>) {
+    typename V::Px out = V::template permute_bytes_pass<kPlan, 0>(a, b);
+    ((out = V::or_(out, V::template permute_bytes_pass<kPlan, p + 1>(a, b))), ...);
+    return out;
+  }
+  (std::make_integer_sequence<int, kMore>{});
 }
 
 }  // namespace qx::byte_plan
